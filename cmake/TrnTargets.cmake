@@ -1,0 +1,58 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# The compiler options that every target of the tree shares, and the one way to declare a test.
+
+add_library(trn_options INTERFACE)
+target_compile_options(trn_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(TRN_WARNINGS_AS_ERRORS)
+    target_compile_options(trn_options INTERFACE -Werror)
+endif()
+target_compile_definitions(trn_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(TRN_SANITIZE STREQUAL "address")
+    set(_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(TRN_SANITIZE STREQUAL "thread")
+    set(_san -fsanitize=thread -fno-omit-frame-pointer)
+endif()
+if(_san)
+    target_compile_options(trn_options INTERFACE ${_san})
+    target_link_options(trn_options INTERFACE ${_san})
+endif()
+if(TRN_COVERAGE)
+    target_compile_options(trn_options INTERFACE --coverage)
+    target_link_options(trn_options INTERFACE --coverage)
+endif()
+
+# trn_test(NAME SOURCES file... [BINDING target] [LIBRARIES target...] [LABELS label...]
+#          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...])
+# One QtTest executable, run with a home of its own, so that no test reads or writes a user's
+# files or settings, and with a fixed hash seed. BINDING is the MIDI binding that the executable
+# links (trn_midi_loopback unless told otherwise; NONE for a test that needs no engine route).
+function(trn_test NAME)
+    cmake_parse_arguments(T "" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
+    if(NOT T_BINDING)
+        set(T_BINDING trn_midi_loopback)
+    endif()
+    if(NOT T_TIMEOUT)
+        set(T_TIMEOUT 120)
+    endif()
+    add_executable(${NAME} ${T_SOURCES})
+    set_target_properties(${NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/tests)
+    target_compile_definitions(${NAME} PRIVATE
+        TRN_BIN_DIR="${CMAKE_BINARY_DIR}/bin" TRN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+    target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
+    if(NOT T_BINDING STREQUAL "NONE")
+        target_link_libraries(${NAME} PRIVATE ${T_BINDING})
+    endif()
+    target_link_libraries(${NAME} PRIVATE ${T_LIBRARIES} trn_engine Qt6::Test)
+    if(T_DEPENDS)
+        add_dependencies(${NAME} ${T_DEPENDS})
+    endif()
+    set(home ${CMAKE_BINARY_DIR}/test-home/${NAME})
+    file(MAKE_DIRECTORY ${home})
+    add_test(NAME ${NAME} COMMAND ${NAME})
+    set_tests_properties(${NAME} PROPERTIES
+        TIMEOUT ${T_TIMEOUT}
+        LABELS "${T_LABELS}"
+        RESOURCE_LOCK "${T_LOCK}"
+        ENVIRONMENT "QT_HASH_SEED=0;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
+endfunction()
