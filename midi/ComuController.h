@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/Locks.h"
+
+#include <QtCore/QMap>
+#include <QtCore/QObject>
+#include <QtCore/QStringList>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+struct tagMPEVENT;
+class MessageProcessor;
+class SysExParamChangeAddressTransTable;
+class TAppMIDIIn;
+class TAppMIDIOut;
+class TUniMIDIPortAccessor;
+
+// Mode of midiOutDispatch: bit 0 sends; nothing else is in use.
+enum _MPASYNC_MODE : int { MPAsyncNone = 0, MPAsyncSend = 1 };
+
+// Owns the open MIDI ports, by port number, and guards the output path so that a port can be closed
+// while another thread sends.
+//
+// Owner: RemoteMemAPI, for its whole life. Threads: midiOutDispatch may come on any; everything else
+// belongs to the GUI thread. Closing an input waits for the event that it is delivering: never close
+// one with memoryMutex held.
+class ComuController : public QObject
+{
+    Q_OBJECT
+
+public:
+    // sysExTable is not owned and outlives this object.
+    explicit ComuController(SysExParamChangeAddressTransTable *sysExTable);
+    ~ComuController() override;
+
+    // Not owned by the caller.
+    TUniMIDIPortAccessor *portAccessor() const { return m_portAccessor.get(); }
+
+    // Running number of input events over all ports. Two pusher threads may collide on it; nothing
+    // depends on the number.
+    static std::atomic<std::uint64_t> s_timeCounter;
+
+public Q_SLOTS:
+    // Sends one event on the open output port event.portID. MidiSuccess or MidiFailure; a send that
+    // the platform refused counts as success here, and is found in
+    // TMIDITransport::outputFailureCount().
+    std::uint32_t midiOutDispatch(const tagMPEVENT &event, _MPASYNC_MODE mode);
+    // Opens a port, or finds it open. isOutput: 0 input, 1 output. port: 1-based; 0 is none and gives
+    // false. processor: who gets the events of an input; ignored if the port is open already.
+    bool requestPort(int isOutput, int port, int filterType, MessageProcessor *processor);
+    void releasePort(int isOutput, int port);
+    bool isPortActive(int isOutput, int port);
+    bool setMessageProcessorAndOpenPort(MessageProcessor *processor);
+    // Encoded names of the platform's ports, read anew.
+    QStringList getInputPortList();
+    QStringList getOutputPortList();
+    void CloseAllOpendPortAndDeleteAllTransporters(); // historical spelling
+
+private:
+    std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor;
+    QMap<int, TAppMIDIIn *> m_midiInTransporters;        // owned; GUI thread only
+    QMap<int, TAppMIDIOut *> m_midiOutTransporters;      // owned; guarded by m_mapMutex
+    QMap<int, RecursiveMutex *> m_midiOutMutexes;        // owned; guarded by m_mapMutex
+    std::unique_ptr<RecursiveMutex> m_mapMutex;
+    std::unique_ptr<RecursiveMutex> m_spareMutex; // takes part in nothing; kept with the object
+    SysExParamChangeAddressTransTable *m_sysExTable;
+    MessageProcessor *m_messageProcessor = nullptr;
+};
