@@ -39,8 +39,8 @@ bool ConnectionWatcher::Process(tagMPEVENT &event)
 {
     // Any event is a sign of life; only active sensing is the sign of the instrument.
     m_eventSeen = true;
-    if (m_memAPI != nullptr && !m_memAPI->isONLINE() && m_memAPI->isWatchPortActivate()
-        && event.eventType == MPEventActiveSensing && event.shortData[1] == ActiveSensing) {
+    if (m_memAPI != nullptr && !m_memAPI->isONLINE() && m_memAPI->isWatchPortActivate() &&
+        event.eventType == MPEventActiveSensing && event.shortData[1] == ActiveSensing) {
         m_memAPI->emitPortActivatedSignal();
     }
     return true;
