@@ -63,9 +63,11 @@ private:
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor;
     QMap<int, TAppMIDIIn *> m_midiInTransporters;   // owned; GUI thread only
     QMap<int, TAppMIDIOut *> m_midiOutTransporters; // owned; guarded by m_mapMutex
-    QMap<int, RecursiveMutex *> m_midiOutMutexes;   // owned; guarded by m_mapMutex
+    // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that
+    // wait for it, so that closing everything cannot take it from under them.
+    QMap<int, std::shared_ptr<RecursiveMutex>> m_midiOutMutexes;
     std::unique_ptr<RecursiveMutex> m_mapMutex;
     std::unique_ptr<RecursiveMutex> m_spareMutex; // takes part in nothing; kept with the object
-    SysExParamChangeAddressTransTable *m_sysExTable;
+    [[maybe_unused]] SysExParamChangeAddressTransTable *m_sysExTable; // kept for its users
     MessageProcessor *m_messageProcessor = nullptr;
 };
