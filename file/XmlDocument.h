@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtXml/QDomDocument>
+
+// XML from outside: files, clipboard and drops all pass through here. Nothing of it may cost more
+// than it is worth, so a streaming pass looks at the whole text before any tree is built.
+namespace XmlDocument
+{
+
+// Deeper nesting is hostile: the tree's own functions recurse. A bank has four levels.
+inline constexpr int MaximumDepth = 64;
+// A bank has some 400 KB. The tree takes many times the text's size.
+inline constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
+
+// Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
+// declares entities; message and line (from 1) then tell what and where, and the document is empty.
+// Neither pointer may be null.
+bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line);
+
+// The text with '?' in place of each character that XML 1.0 forbids, so that what is written can be
+// read back.
+QString writable(const QString &text);
+
+// Appends the text to the element as a text node. Text of blanks alone goes in as a CDATA section,
+// since a parser drops it otherwise.
+void appendText(QDomDocument *document, QDomElement *element, const QString &text);
+
+} // namespace XmlDocument
