@@ -400,7 +400,10 @@ void VirtualInstrument::doWhatIsDue()
     }
     if (m_sensing && m_nextSensing <= now) {
         // A machine that stood still does not get the missed ones all at once.
-        m_nextSensing = std::max(m_nextSensing + SensingPeriod, now);
+        m_nextSensing += SensingPeriod;
+        if (m_nextSensing <= now) {
+            m_nextSensing = now + SensingPeriod;
+        }
         MessageTag tag;
         tag.messageClass = MessageClass::Sensing;
         send(SensingPort, ActiveSensing, tag);
