@@ -5,6 +5,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QHash>
 #include <QtCore/QSaveFile>
 #include <QtCore/QSet>
@@ -283,6 +284,7 @@ template <std::size_t Width>
 void writeText(QXmlStreamWriter &xml, const QString &tag, const InstrumentText<Width> &text)
 {
     xml.writeStartElement(tag);
+    xml.writeCharacters(QString()); // an end tag of its own also for an empty text
     for (const char c : text.trimmed()) {
         // A carriage return as such would be read back as a line feed, so it goes as a reference;
         // the other control characters but tabulator and line feed have no form in XML 1.0 at all.
@@ -380,11 +382,18 @@ QByteArray InstrumentFile::print(const InstrumentMemory &memory)
     xml.writeEndElement();
     xml.writeEndElement();
     xml.writeEndDocument();
-    return result;
+    // The writer's formatting begins every line with a line feed, the first included.
+    return result.startsWith('\n') ? result.mid(1) : result;
 }
 
 bool InstrumentFile::save(const QString &path, const InstrumentMemory &memory, QString *error)
 {
+    // Replacing in one step would put a plain file in the place of a device or a pipe.
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile()) {
+        *error = QStringLiteral("Failed in the file writing. (not a file)");
+        return false;
+    }
     const QByteArray xml = print(memory);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(xml) != xml.size() || !file.commit()) {
