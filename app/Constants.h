@@ -198,6 +198,6 @@ static const QRegularExpression
     PortNameFilter(QStringLiteral(".*C[Oo][Rr][Vv][Aa][Nn]\\ TARN\\/TERN.*"));
 
 // The knob names in index order; the suffixes "/remoteNumber" and "/ccNumber" make them addresses.
-static constexpr const char *LCDSelectAddressUpper[12] = {
-    "knobA1", "knobB1", "knobC1", "knobD1", "knobA2", "knobB2",
-    "knobC2", "knobD2", "knobA3", "knobB3", "knobC3", "knobD3"};
+static constexpr const char *LCDSelectAddressUpper[12] = {"knobA1", "knobB1", "knobC1", "knobD1",
+                                                          "knobA2", "knobB2", "knobC2", "knobD2",
+                                                          "knobA3", "knobB3", "knobC3", "knobD3"};

@@ -100,12 +100,12 @@ QDir getAppDataDirectory()
     // The desktop's own idea of the data folder, which is AppDataFolderPath below the home folder
     // unless the user moved it.
     if (set.isEmpty()) {
-        return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
-                    + QLatin1String(UserFolderPath));
+        return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                    QLatin1String(UserFolderPath));
     }
 #endif
-    return QDir((set.isEmpty() ? QDir::homePath() : set) + QLatin1String(AppDataFolderPath)
-                + QLatin1String(UserFolderPath));
+    return QDir((set.isEmpty() ? QDir::homePath() : set) + QLatin1String(AppDataFolderPath) +
+                QLatin1String(UserFolderPath));
 }
 
 QDir getInitialDirectory()

@@ -18,11 +18,11 @@ inline constexpr const char *UserFolderPath = "/Corvan/TARN_TERN Remote Editor";
 // A machine of a test's own. An empty field means the real place.
 struct MachineFolders
 {
-    QString home;           // user's home; the application data folder is below it
-    QString executable;     // folder that the running program lies in
-    QString shareFolder;    // installed resources
-    QString libexecFolder;  // installed helper programs
-    QString documents;      // the user's documents
+    QString home;          // user's home; the application data folder is below it
+    QString executable;    // folder that the running program lies in
+    QString shareFolder;   // installed resources
+    QString libexecFolder; // installed helper programs
+    QString documents;     // the user's documents
 };
 
 // Thread: GUI, before the folders are first asked for.

@@ -33,7 +33,10 @@ public:
     class AnyMutex
     {
     public:
-        explicit AnyMutex(bool recursive) : m_isRecursive(recursive) {}
+        explicit AnyMutex(bool recursive)
+            : m_isRecursive(recursive)
+        {
+        }
         void lock() { m_isRecursive ? m_recursive.lock() : m_plain.lock(); }
         void unlock() { m_isRecursive ? m_recursive.unlock() : m_plain.unlock(); }
 

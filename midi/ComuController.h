@@ -24,9 +24,9 @@ enum _MPASYNC_MODE : int { MPAsyncNone = 0, MPAsyncSend = 1 };
 // Owns the open MIDI ports, by port number, and guards the output path so that a port can be closed
 // while another thread sends.
 //
-// Owner: RemoteMemAPI, for its whole life. Threads: midiOutDispatch may come on any; everything else
-// belongs to the GUI thread. Closing an input waits for the event that it is delivering: never close
-// one with memoryMutex held.
+// Owner: RemoteMemAPI, for its whole life. Threads: midiOutDispatch may come on any; everything
+// else belongs to the GUI thread. Closing an input waits for the event that it is delivering: never
+// close one with memoryMutex held.
 class ComuController : public QObject
 {
     Q_OBJECT
@@ -48,8 +48,8 @@ public Q_SLOTS:
     // the platform refused counts as success here, and is found in
     // TMIDITransport::outputFailureCount().
     std::uint32_t midiOutDispatch(const tagMPEVENT &event, _MPASYNC_MODE mode);
-    // Opens a port, or finds it open. isOutput: 0 input, 1 output. port: 1-based; 0 is none and gives
-    // false. processor: who gets the events of an input; ignored if the port is open already.
+    // Opens a port, or finds it open. isOutput: 0 input, 1 output. port: 1-based; 0 is none and
+    // gives false. processor: who gets the events of an input; ignored if the port is open already.
     bool requestPort(int isOutput, int port, int filterType, MessageProcessor *processor);
     void releasePort(int isOutput, int port);
     bool isPortActive(int isOutput, int port);
@@ -61,11 +61,13 @@ public Q_SLOTS:
 
 private:
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor;
-    QMap<int, TAppMIDIIn *> m_midiInTransporters;        // owned; GUI thread only
-    QMap<int, TAppMIDIOut *> m_midiOutTransporters;      // owned; guarded by m_mapMutex
-    QMap<int, RecursiveMutex *> m_midiOutMutexes;        // owned; guarded by m_mapMutex
+    QMap<int, TAppMIDIIn *> m_midiInTransporters;   // owned; GUI thread only
+    QMap<int, TAppMIDIOut *> m_midiOutTransporters; // owned; guarded by m_mapMutex
+    // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that
+    // wait for it, so that closing everything cannot take it from under them.
+    QMap<int, std::shared_ptr<RecursiveMutex>> m_midiOutMutexes;
     std::unique_ptr<RecursiveMutex> m_mapMutex;
     std::unique_ptr<RecursiveMutex> m_spareMutex; // takes part in nothing; kept with the object
-    SysExParamChangeAddressTransTable *m_sysExTable;
+    [[maybe_unused]] SysExParamChangeAddressTransTable *m_sysExTable; // kept for its users
     MessageProcessor *m_messageProcessor = nullptr;
 };

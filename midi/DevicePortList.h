@@ -9,9 +9,9 @@
 struct PortInfo
 {
     QString name;
-    int activeSensePort = 0;       // input port number of family member ActiveSensePort
-    int communicationInPort = 0;   // input port number of family member CommunicationPort
-    int communicationOutPort = 0;  // output port number of family member CommunicationPort
+    int activeSensePort = 0;      // input port number of family member ActiveSensePort
+    int communicationInPort = 0;  // input port number of family member CommunicationPort
+    int communicationOutPort = 0; // output port number of family member CommunicationPort
 
     bool operator==(const PortInfo &) const = default;
 };

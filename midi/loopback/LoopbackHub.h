@@ -12,12 +12,12 @@
 class LoopbackMIDI;
 
 // The cable of the loopback binding: devices are plugged in on one side, and the binding's
-// transports are the other. Bytes pass on the thread that sends them, with no thread and no queue of
-// the hub's own.
+// transports are the other. Bytes pass on the thread that sends them, with no thread and no queue
+// of the hub's own.
 //
 // Threads: any. Each direction of each port delivers one call at a time. A device's receiver may
-// send back from within its call. unplug() returns when no call into the device is under way, unless
-// it is called from within one.
+// send back from within its call. unplug() returns when no call into the device is under way,
+// unless it is called from within one.
 class LoopbackHub
 {
 public:

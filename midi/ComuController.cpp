@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "midi/ComuController.h"
+
+#include "midi/MIDIBinding.h"
+#include "midi/MPEvent.h"
+#include "midi/MessageProcessor.h"
+#include "midi/TAppMIDIIn.h"
+#include "midi/TAppMIDIOut.h"
+#include "midi/TUniMIDIPortAccessor.h"
+
+std::atomic<std::uint64_t> ComuController::s_timeCounter{0};
+
+ComuController::ComuController(SysExParamChangeAddressTransTable *sysExTable)
+    : m_portAccessor(MIDIPortAccessor())
+    , m_mapMutex(std::make_unique<RecursiveMutex>())
+    , m_spareMutex(std::make_unique<RecursiveMutex>())
+    , m_sysExTable(sysExTable)
+{
+}
+
+ComuController::~ComuController()
+{
+    CloseAllOpendPortAndDeleteAllTransporters();
+}
+
+std::uint32_t ComuController::midiOutDispatch(const tagMPEVENT &event, _MPASYNC_MODE mode)
+{
+    if ((mode & MPAsyncSend) == 0) {
+        return MidiSuccess;
+    }
+    if (m_mapMutex == nullptr) {
+        return MidiFailure;
+    }
+    std::shared_ptr<RecursiveMutex> portMutex;
+    {
+        const RecursiveMutexLocker map(*m_mapMutex);
+        portMutex = m_midiOutMutexes.value(event.portID);
+    }
+    if (portMutex == nullptr) {
+        return MidiFailure;
+    }
+    // The map is left before the port is waited for and taken again afterwards, so that nobody
+    // waits for a busy port while holding the map.
+    const RecursiveMutexLocker port(*portMutex);
+    TAppMIDIOut *transporter = nullptr;
+    {
+        const RecursiveMutexLocker map(*m_mapMutex);
+        // Another mutex under this number means that everything was closed meanwhile, and that
+        // this one no longer guards the port.
+        if (m_midiOutMutexes.value(event.portID) == portMutex) {
+            transporter = m_midiOutTransporters.value(event.portID);
+        }
+    }
+    if (transporter == nullptr) {
+        return MidiFailure;
+    }
+    // What the platform refuses counts as sent: only the connection's watcher tells of a device
+    // that has gone.
+    transporter->midiOut(event);
+    return MidiSuccess;
+}
+
+bool ComuController::requestPort(int isOutput, int port, int filterType,
+                                 MessageProcessor *processor)
+{
+    if (port == 0) {
+        return false;
+    }
+    if (isOutput == 0) {
+        if (m_midiInTransporters.contains(port)) {
+            return true;
+        }
+        auto transporter = std::make_unique<TAppMIDIIn>(processor);
+        if (!transporter->openPort(port, filterType)) {
+            return false;
+        }
+        m_midiInTransporters.insert(port, transporter.release());
+        return true;
+    }
+    if (m_mapMutex == nullptr) {
+        return false;
+    }
+    std::shared_ptr<RecursiveMutex> portMutex;
+    {
+        const RecursiveMutexLocker map(*m_mapMutex);
+        if (m_midiOutTransporters.contains(port)) {
+            return true;
+        }
+        portMutex = m_midiOutMutexes.value(port);
+    }
+    if (portMutex == nullptr) {
+        portMutex = std::make_shared<RecursiveMutex>();
+    }
+    auto transporter = std::make_unique<TAppMIDIOut>();
+    if (!transporter->openPort(port)) {
+        return false;
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    m_midiOutTransporters.insert(port, transporter.release());
+    m_midiOutMutexes.insert(port, portMutex);
+    return true;
+}
+
+void ComuController::releasePort(int isOutput, int port)
+{
+    if (isOutput == 0) {
+        // Waits for the event in delivery.
+        delete m_midiInTransporters.take(port);
+        return;
+    }
+    std::shared_ptr<RecursiveMutex> portMutex;
+    {
+        const RecursiveMutexLocker map(*m_mapMutex);
+        if (!m_midiOutTransporters.contains(port)) {
+            return;
+        }
+        portMutex = m_midiOutMutexes.value(port);
+    }
+    if (portMutex == nullptr) {
+        return;
+    }
+    std::unique_ptr<TAppMIDIOut> transporter;
+    {
+        const RecursiveMutexLocker portLock(*portMutex);
+        const RecursiveMutexLocker map(*m_mapMutex);
+        transporter.reset(m_midiOutTransporters.take(port));
+    }
+}
+
+bool ComuController::isPortActive(int isOutput, int port)
+{
+    if (isOutput == 0) {
+        return m_midiInTransporters.contains(port);
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    return m_midiOutTransporters.contains(port);
+}
+
+bool ComuController::setMessageProcessorAndOpenPort(MessageProcessor *processor)
+{
+    m_messageProcessor = processor;
+    return processor != nullptr &&
+           requestPort(0, processor->getPortID(), processor->getMidiFilterType(), processor);
+}
+
+QStringList ComuController::getInputPortList()
+{
+    m_portAccessor->updatePortInfo();
+    return m_portAccessor->getInputPortList();
+}
+
+QStringList ComuController::getOutputPortList()
+{
+    m_portAccessor->updatePortInfo();
+    return m_portAccessor->getOutputPortList();
+}
+
+void ComuController::CloseAllOpendPortAndDeleteAllTransporters()
+{
+    const QList<int> inputs = m_midiInTransporters.keys();
+    for (const int port : inputs) {
+        releasePort(0, port);
+    }
+    m_messageProcessor = nullptr;
+    QList<int> outputs;
+    {
+        const RecursiveMutexLocker map(*m_mapMutex);
+        outputs = m_midiOutTransporters.keys();
+    }
+    for (const int port : outputs) {
+        releasePort(1, port);
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    m_midiOutMutexes.clear();
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "midi/ConnectionWatcher.h"
+
+#include "app/Timings.h"
+#include "midi/MPEvent.h"
+#if __has_include("memory/RemoteMemAPI.h")
+#include "memory/RemoteMemAPI.h"
+#else
+// Until the memory is there.
+class RemoteMemAPI
+{
+public:
+    bool isONLINE() const { return false; }
+    bool isWatchPortActivate() const { return false; }
+    void emitPortActivatedSignal() {}
+    bool setONLINEstate(long) { return false; }
+};
+#endif
+
+#include <QtCore/QTimerEvent>
+
+namespace
+{
+
+constexpr int EveryEvent = 0; // filter type
+constexpr unsigned char ActiveSensing = 0xFE;
+
+} // namespace
+
+ConnectionWatcher::ConnectionWatcher(int portID, RemoteMemAPI *memAPI)
+    : MessageProcessor(portID, memAPI, EveryEvent)
+    , m_timerID(startTimer(timings().connectionWatcherPeriodMs))
+{
+}
+
+ConnectionWatcher::~ConnectionWatcher() = default;
+
+bool ConnectionWatcher::Process(tagMPEVENT &event)
+{
+    // Any event is a sign of life; only active sensing is the sign of the instrument.
+    m_eventSeen = true;
+    if (m_memAPI != nullptr && !m_memAPI->isONLINE() && m_memAPI->isWatchPortActivate() &&
+        event.eventType == MPEventActiveSensing && event.shortData[1] == ActiveSensing) {
+        m_memAPI->emitPortActivatedSignal();
+    }
+    return true;
+}
+
+void ConnectionWatcher::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != m_timerID) {
+        QObject::timerEvent(event);
+        return;
+    }
+    // A loss shows after one whole period without an event, so between one and two periods after
+    // the last.
+    if (!m_eventSeen.exchange(false) && m_memAPI != nullptr && m_memAPI->isONLINE()) {
+        m_memAPI->setONLINEstate(0);
+    }
+}
