@@ -81,9 +81,16 @@ public:
         , m_lock(api->memoryMutex)
         , m_wasOpen(api->isAllowToSendSysEx())
     {
-        m_api->setAllowToSendSysExFlag(false);
+        if (m_wasOpen) {
+            m_api->setAllowToSendSysExFlag(false);
+        }
     }
-    ~ClosedGate() { m_api->setAllowToSendSysExFlag(m_wasOpen); }
+    ~ClosedGate()
+    {
+        if (m_wasOpen) {
+            m_api->setAllowToSendSysExFlag(true);
+        }
+    }
     ClosedGate(const ClosedGate &) = delete;
     ClosedGate &operator=(const ClosedGate &) = delete;
 
@@ -351,6 +358,8 @@ bool MessageDecoder::decodeBulkContents(const tagMPEVENT &event)
     if (!m_receivingBulk || event.length < ShortestContentsLength) {
         return false;
     }
+    // One gate, and so one taking of the memory's lock, for all fields of the block.
+    const ClosedGate gate(m_memAPI);
     bool good = true;
     if (isCommon) {
         for (const int field :

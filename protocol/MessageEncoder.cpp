@@ -70,7 +70,10 @@ void MessageEncoder::fillEvent(tagMPEVENT *event, const std::vector<unsigned cha
 
 std::vector<unsigned char> MessageEncoder::messageStart(unsigned char messageClass) const
 {
-    return {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]};
+    std::vector<unsigned char> message;
+    message.reserve(SysEx::LongestMessage);
+    message.insert(message.end(), {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]});
+    return message;
 }
 
 bool MessageEncoder::createParamChange(tagMPEVENT *event, const unsigned char *address,
