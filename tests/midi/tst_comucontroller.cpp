@@ -392,14 +392,16 @@ private Q_SLOTS:
         std::thread busy([&] { controller.midiOutDispatch(event, MPAsyncSend); });
         entered.get_future().wait();
         std::atomic<bool> wasOver{false};
-        std::promise<void> releasing;
+        std::promise<void> released;
+        auto releasedFuture = released.get_future();
         std::thread releaser([&] {
-            releasing.set_value();
             controller.releasePort(1, 1);
             wasOver = hasLeft.load();
+            released.set_value();
             QVERIFY(controller.requestPort(1, 1, 0, nullptr));
         });
-        releasing.get_future().wait();
+        QCOMPARE(releasedFuture.wait_for(std::chrono::milliseconds(100)),
+                 std::future_status::timeout);
         go.set_value();
         busy.join();
         releaser.join();
@@ -450,10 +452,17 @@ private Q_SLOTS:
         QVERIFY(controller.setMessageProcessorAndOpenPort(&processor));
         device.send(1, hex("FE"));
         entered.get_future().wait();
-        std::thread helper([&] { go.set_value(); });
-        controller.releasePort(0, 1);
+        std::promise<void> released;
+        auto releasedFuture = released.get_future();
+        std::thread releaser([&] {
+            controller.releasePort(0, 1);
+            released.set_value();
+        });
+        QCOMPARE(releasedFuture.wait_for(std::chrono::milliseconds(100)),
+                 std::future_status::timeout);
+        go.set_value();
+        releaser.join();
         QVERIFY(hasLeft);
-        helper.join();
     }
 
     void theListsAreReadAnewAndHoldEncodedNames()
