@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <sys/prctl.h>
+#include <sys/wait.h>
 
 // A JACK server of a test's own, on the dummy driver. Always of one name, since a killed server
 // keeps a slot until one of its name starts again, and never two at a time: the tests that use it
@@ -82,6 +83,16 @@ public:
             m_process.waitForFinished(TimeoutMs);
         }
     }
+
+    // Stops it where it is, as a debugger does: connected, and answering nobody. Until thaw().
+    void freeze()
+    {
+        const auto id = static_cast<pid_t>(processId());
+        ::kill(id, SIGSTOP);
+        siginfo_t info;
+        waitid(P_PID, static_cast<id_t>(id), &info, WSTOPPED | WNOWAIT);
+    }
+    void thaw() { ::kill(static_cast<pid_t>(processId()), SIGCONT); }
 
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     qint64 processId() const { return m_process.processId(); }
