@@ -1,12 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Locks.h"
+
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QProcess>
 
 #include <csignal>
 #include <sys/prctl.h>
 #include <sys/wait.h>
+
+#ifdef TRN_THREAD_SANITIZER
+// Starting a process is no fork that goes on as this program, as the sanitizer would have it.
+extern "C" __attribute__((used)) inline const char *__tsan_default_options()
+{
+    return "die_after_fork=0";
+}
+#endif
 
 // A JACK server of a test's own, on the dummy driver. Always of one name, since a killed server
 // keeps a slot until one of its name starts again, and never two at a time: the tests that use it
