@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Sourced by ./run, ./test and ./bench from the tree's root.
+# Sourced by ./run, ./test and scripts/bench from the tree's root.
 
 # trn_configure PRESET [CMAKE-ARGUMENT...]: configures once, and again when the presets or this
 # file changed since; everything else CMake notices by itself while building.

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Sourced by ./run, ./test and ./bench from the tree's root. Installs the Debian packages that are
+# Sourced by ./run, ./test and scripts/bench from the tree's root. Installs the Debian packages that are
 # missing and says so; with everything there it asks dpkg once and touches no network.
 
 # Runs a command as root: directly, or through sudo, which may ask for a password only where
