@@ -1,0 +1,612 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "midi/jack/JackClient.h"
+
+#include "app/Locks.h"
+#include "midi/MidiPortName.h"
+#include "midi/jack/CallbackGate.h"
+#include "midi/jack/JackPort.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QSet>
+
+#include <jack/jack.h>
+#include <pthread.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+constexpr const char *ClientName = "TARN-TERN Remote Editor";
+constexpr std::size_t MaximumPorts = 64;
+
+void saySomethingToNobody(const char *) {}
+
+// What the server announces, in its order, for the worker.
+struct Announcement
+{
+    enum class Kind { Registered, Unregistered, Disconnected } kind;
+    jack_port_t *port;
+    jack_port_t *other; // Disconnected only
+};
+
+struct Job
+{
+    std::function<void()> function;
+    bool isDone = false; // under Connection's mutex
+};
+
+QByteArrayList portNames(jack_client_t *client, PortDirection direction)
+{
+    QByteArrayList names;
+    const unsigned long flags =
+        direction == PortDirection::Input ? JackPortIsOutput : JackPortIsInput;
+    const char **found = jack_get_ports(client, nullptr, JACK_DEFAULT_MIDI_TYPE, flags);
+    if (found == nullptr) {
+        return names;
+    }
+    const QByteArray own = QByteArray(jack_get_client_name(client)) + ':';
+    for (const char **name = found; *name != nullptr; ++name) {
+        const QByteArray fullName(*name);
+        if (!fullName.startsWith(own)) {
+            names.append(fullName);
+        }
+    }
+    jack_free(found);
+    return names;
+}
+
+} // namespace
+
+// What the worker thread, the server's callbacks and the client's users share.
+//
+// m_mutex guards the worker's mail: jobs, announcements, the flags beside them, and the catalogue.
+// It is never held while the server is asked, nor with m_slotMutex. m_slotMutex guards who writes
+// m_slots, against the withdrawal of a port that is just being opened.
+class JackClient::Connection
+{
+public:
+    Connection();
+
+    // Thread: users.
+    bool call(std::function<void()> function);
+    void stop();
+    void withdraw(const std::shared_ptr<JackPort> &port);
+    std::atomic<bool> isAlive{false};
+    QByteArray catalogueName(PortDirection direction, int number);
+
+    // Thread: worker.
+    void run();
+    bool connect();
+    QStringList readPorts(PortDirection direction);
+    bool openPort(const std::shared_ptr<JackPort> &port, const QByteArray &fullName);
+    void closePort(const std::shared_ptr<JackPort> &port);
+
+private:
+    static int onProcess(jack_nframes_t frames, void *self);
+    static void onPortRegistration(jack_port_id_t port, int isRegistered, void *self);
+    static void onPortConnect(jack_port_id_t a, jack_port_id_t b, int isConnected, void *self);
+    static void onShutdown(jack_status_t code, const char *reason, void *self);
+    void announce(const Announcement &announcement);
+
+    void disconnect();
+    void takeAnnouncements(const std::vector<Announcement> &announcements);
+    bool registerPort(const std::shared_ptr<JackPort> &port);
+    bool connectPort(JackPort &port, const QByteArray &fullName);
+    void losePort(JackPort &port, const QSet<QByteArray> &registered);
+    void takeUpPorts(const QSet<QByteArray> &registered);
+    QByteArrayList bearersOfName(const JackPort &port) const;
+
+    Mutex m_mutex;
+    WaitCondition m_mail;    // for the worker
+    WaitCondition m_answers; // for its callers
+    std::deque<std::shared_ptr<Job>> m_jobs;
+    std::vector<Announcement> m_announcements;
+    bool m_isServerGone = false;
+    bool m_isStopping = false;
+    bool m_isFinished = false;
+    bool m_isStuck = false; // a caller gave up waiting for the job at work
+    QByteArrayList m_inputs;
+    QByteArrayList m_outputs;
+
+    CallbackGate m_processGate;
+    CallbackGate m_eventGate;
+    std::array<std::atomic<JackPort *>, MaximumPorts> m_slots{};
+    Mutex m_slotMutex;
+    std::vector<JackPort *> m_withdrawn; // by m_slotMutex; withdrawn before their opening was over
+
+    // Worker only.
+    jack_client_t *m_client = nullptr;
+    std::vector<std::shared_ptr<JackPort>> m_ports;
+    std::thread m_thread; // users: constructor and stop()
+
+    friend class JackClient;
+};
+
+// ---- Users -------------------------------------------------------------------------------------
+
+std::shared_ptr<JackClient> JackClient::shared()
+{
+    static Mutex mutex;
+    static std::weak_ptr<JackClient> current;
+    const MutexLocker lock(mutex);
+    std::shared_ptr<JackClient> client = current.lock();
+    if (client == nullptr) {
+        client.reset(new JackClient);
+        current = client;
+    }
+    return client;
+}
+
+JackClient::JackClient()
+    : m_connection(std::make_shared<Connection>())
+{
+    // The library's messages would land on the user's terminal.
+    jack_set_error_function(saySomethingToNobody);
+    jack_set_info_function(saySomethingToNobody);
+    // No signal of the program's is to be handled on the worker or on the threads that the library
+    // starts from it; and writing to a dead server must not end the program.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    m_connection->m_thread = std::thread([connection = m_connection] { connection->run(); });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+JackClient::~JackClient()
+{
+    m_connection->stop();
+}
+
+bool JackClient::isRunning() const
+{
+    return m_connection->isAlive;
+}
+
+bool JackClient::connectToServer()
+{
+    if (isRunning()) {
+        return true;
+    }
+    Connection *connection = m_connection.get();
+    m_connection->call([connection] { connection->connect(); });
+    return isRunning();
+}
+
+QStringList JackClient::ports(PortDirection direction)
+{
+    const auto names = std::make_shared<QStringList>();
+    Connection *connection = m_connection.get();
+    const bool isAnswered = m_connection->call(
+        [connection, names, direction] { *names = connection->readPorts(direction); });
+    return isAnswered ? *names : QStringList();
+}
+
+std::shared_ptr<JackPort> JackClient::openInput(int number, TMIDITransport *transport)
+{
+    return open(PortDirection::Input, number, transport);
+}
+
+std::shared_ptr<JackPort> JackClient::openOutput(int number)
+{
+    return open(PortDirection::Output, number, nullptr);
+}
+
+std::shared_ptr<JackPort> JackClient::open(PortDirection direction, int number,
+                                           TMIDITransport *transport)
+{
+    if (!isRunning()) {
+        ports(direction);
+    }
+    const QByteArray fullName = m_connection->catalogueName(direction, number);
+    if (fullName.isEmpty()) {
+        return nullptr;
+    }
+    auto port = std::make_shared<JackPort>(
+        direction, splitJackPortName(QString::fromUtf8(fullName)), transport);
+    Connection *connection = m_connection.get();
+    const auto isOpen = std::make_shared<bool>(false);
+    const bool isAnswered = m_connection->call(
+        [connection, port, fullName, isOpen] { *isOpen = connection->openPort(port, fullName); });
+    if (!isAnswered) {
+        // Should the worker come to it after all, it undoes it.
+        m_connection->withdraw(port);
+        m_connection->call([connection, port] { connection->closePort(port); });
+        return nullptr;
+    }
+    return *isOpen ? port : nullptr;
+}
+
+void JackClient::close(const std::shared_ptr<JackPort> &port)
+{
+    if (port->direction() == PortDirection::Output && isRunning()) {
+        port->drain();
+    }
+    m_connection->withdraw(port);
+    Connection *connection = m_connection.get();
+    m_connection->call([connection, port] { connection->closePort(port); });
+}
+
+bool JackClient::send(JackPort &port, unsigned char status, const unsigned char *data,
+                      std::size_t length)
+{
+    return isRunning() && port.send(status, data, length);
+}
+
+JackClient::Connection::Connection()
+{
+    for (std::atomic<JackPort *> &slot : m_slots) {
+        slot = nullptr;
+    }
+}
+
+// Has the worker do something, and waits. False if it did not come to its end in time; it may then
+// still do so later.
+bool JackClient::Connection::call(std::function<void()> function)
+{
+    const auto job = std::make_shared<Job>();
+    job->function = std::move(function);
+    std::unique_lock<Mutex> lock(m_mutex);
+    m_jobs.push_back(job);
+    m_mail.notify_all();
+    if (m_isStuck) {
+        return false;
+    }
+    const bool isDone = m_answers.wait_for(lock, std::chrono::milliseconds(RequestTimeoutMs),
+                                           [&job] { return job->isDone; });
+    m_isStuck = m_isStuck || !isDone;
+    return isDone;
+}
+
+void JackClient::Connection::stop()
+{
+    std::unique_lock<Mutex> lock(m_mutex);
+    m_isStopping = true;
+    m_mail.notify_all();
+    const bool isFinished =
+        m_answers.wait_for(lock, std::chrono::milliseconds(m_isStuck ? 0 : RequestTimeoutMs),
+                           [this] { return m_isFinished; });
+    lock.unlock();
+    if (isFinished) {
+        m_thread.join();
+    } else {
+        m_thread.detach();
+    }
+}
+
+// Takes the port from the process thread: when this returns, its transport is no longer called.
+void JackClient::Connection::withdraw(const std::shared_ptr<JackPort> &port)
+{
+    {
+        const MutexLocker lock(m_slotMutex);
+        for (std::atomic<JackPort *> &slot : m_slots) {
+            if (slot == port.get()) {
+                slot = nullptr;
+            }
+        }
+        m_withdrawn.push_back(port.get());
+    }
+    m_processGate.waitUntilEmpty();
+}
+
+QByteArray JackClient::Connection::catalogueName(PortDirection direction, int number)
+{
+    const MutexLocker lock(m_mutex);
+    const QByteArrayList &names = direction == PortDirection::Input ? m_inputs : m_outputs;
+    return names.value(number - 1);
+}
+
+// ---- The server's threads ----------------------------------------------------------------------
+
+int JackClient::Connection::onProcess(jack_nframes_t frames, void *self)
+{
+    auto *connection = static_cast<Connection *>(self);
+    const CallbackGate::Passage passage(connection->m_processGate);
+    if (passage) {
+        for (const std::atomic<JackPort *> &slot : connection->m_slots) {
+            if (JackPort *port = slot) {
+                port->process(frames);
+            }
+        }
+    }
+    return 0;
+}
+
+void JackClient::Connection::onPortRegistration(jack_port_id_t port, int isRegistered, void *self)
+{
+    auto *connection = static_cast<Connection *>(self);
+    const CallbackGate::Passage passage(connection->m_eventGate);
+    if (passage) {
+        connection->announce(
+            {isRegistered != 0 ? Announcement::Kind::Registered : Announcement::Kind::Unregistered,
+             jack_port_by_id(connection->m_client, port), nullptr});
+    }
+}
+
+void JackClient::Connection::onPortConnect(jack_port_id_t a, jack_port_id_t b, int isConnected,
+                                           void *self)
+{
+    auto *connection = static_cast<Connection *>(self);
+    const CallbackGate::Passage passage(connection->m_eventGate);
+    if (passage && isConnected == 0) {
+        connection->announce({Announcement::Kind::Disconnected,
+                              jack_port_by_id(connection->m_client, a),
+                              jack_port_by_id(connection->m_client, b)});
+    }
+}
+
+void JackClient::Connection::onShutdown(jack_status_t, const char *, void *self)
+{
+    auto *connection = static_cast<Connection *>(self);
+    const CallbackGate::Passage passage(connection->m_eventGate);
+    if (passage) {
+        connection->isAlive = false;
+        const MutexLocker lock(connection->m_mutex);
+        connection->m_isServerGone = true;
+        connection->m_mail.notify_all();
+    }
+}
+
+void JackClient::Connection::announce(const Announcement &announcement)
+{
+    const MutexLocker lock(m_mutex);
+    m_announcements.push_back(announcement);
+    m_mail.notify_all();
+}
+
+// ---- The worker --------------------------------------------------------------------------------
+
+void JackClient::Connection::run()
+{
+    std::unique_lock<Mutex> lock(m_mutex);
+    for (;;) {
+        m_mail.wait(lock, [this] {
+            return m_isStopping || m_isServerGone || !m_announcements.empty() || !m_jobs.empty();
+        });
+        const std::vector<Announcement> announcements = std::exchange(m_announcements, {});
+        const std::shared_ptr<Job> job = m_jobs.empty() ? nullptr : m_jobs.front();
+        if (job != nullptr) {
+            m_jobs.pop_front();
+        }
+        m_isServerGone = false;
+        const bool isStopping = m_isStopping && job == nullptr;
+        lock.unlock();
+        if (m_client != nullptr && !isAlive) {
+            disconnect();
+        }
+        if (isStopping) {
+            break;
+        }
+        if (!announcements.empty() && m_client != nullptr) {
+            takeAnnouncements(announcements);
+        }
+        if (job != nullptr) {
+            job->function();
+        }
+        lock.lock();
+        if (job != nullptr) {
+            job->isDone = true;
+            m_isStuck = false;
+            m_answers.notify_all();
+        }
+    }
+    disconnect();
+    lock.lock();
+    m_isFinished = true;
+    m_answers.notify_all();
+}
+
+bool JackClient::Connection::connect()
+{
+    if (m_client != nullptr && isAlive) {
+        return true;
+    }
+    disconnect();
+    jack_status_t status{};
+    jack_client_t *client = jack_client_open(ClientName, JackNoStartServer, &status);
+    if (client == nullptr) {
+        return false;
+    }
+    m_client = client;
+    jack_set_process_callback(client, onProcess, this);
+    jack_set_port_registration_callback(client, onPortRegistration, this);
+    jack_set_port_connect_callback(client, onPortConnect, this);
+    jack_on_info_shutdown(client, onShutdown, this);
+    isAlive = true;
+    m_processGate.open();
+    m_eventGate.open();
+    if (jack_activate(client) != 0) {
+        disconnect();
+        return false;
+    }
+    for (const std::shared_ptr<JackPort> &port : m_ports) {
+        registerPort(port);
+    }
+    takeUpPorts({});
+    return isAlive;
+}
+
+void JackClient::Connection::disconnect()
+{
+    if (m_client == nullptr) {
+        return;
+    }
+    isAlive = false;
+    m_eventGate.close();
+    m_processGate.close();
+    {
+        const MutexLocker lock(m_slotMutex);
+        for (std::atomic<JackPort *> &slot : m_slots) {
+            slot = nullptr;
+        }
+    }
+    for (const std::shared_ptr<JackPort> &port : m_ports) {
+        port->setDisconnected();
+        port->graph = {};
+    }
+    jack_client_close(std::exchange(m_client, nullptr));
+    const MutexLocker lock(m_mutex);
+    m_announcements.clear();
+    m_inputs.clear();
+    m_outputs.clear();
+}
+
+QStringList JackClient::Connection::readPorts(PortDirection direction)
+{
+    QStringList names;
+    if (!connect()) {
+        return names;
+    }
+    const QByteArrayList fullNames = portNames(m_client, direction);
+    if (!isAlive) {
+        return names;
+    }
+    for (qsizetype i = 0; i < fullNames.size(); ++i) {
+        const JackPortName name = splitJackPortName(QString::fromUtf8(fullNames.at(i)));
+        names.append(linuxMidiPortName(name.device, name.endpoint, static_cast<int>(i)));
+    }
+    const MutexLocker lock(m_mutex);
+    (direction == PortDirection::Input ? m_inputs : m_outputs) = fullNames;
+    return names;
+}
+
+bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
+                                      const QByteArray &fullName)
+{
+    if (m_client == nullptr || !isAlive) {
+        return false;
+    }
+    m_ports.push_back(port);
+    if (registerPort(port) && connectPort(*port, fullName)) {
+        return true;
+    }
+    withdraw(port);
+    closePort(port);
+    return false;
+}
+
+// After withdraw().
+void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
+{
+    if (m_client != nullptr && isAlive && port->graph.port != nullptr) {
+        jack_port_unregister(m_client, port->graph.port);
+    }
+    port->setDisconnected();
+    port->graph = {};
+    std::erase(m_ports, port);
+    const MutexLocker lock(m_slotMutex);
+    std::erase(m_withdrawn, port.get());
+}
+
+bool JackClient::Connection::registerPort(const std::shared_ptr<JackPort> &port)
+{
+    for (std::size_t i = 0; i < m_slots.size(); ++i) {
+        if (m_slots[i] != nullptr) {
+            continue;
+        }
+        const bool isInput = port->direction() == PortDirection::Input;
+        const QByteArray name =
+            (isInput ? QByteArray("in ") : QByteArray("out ")) + QByteArray::number(int(i) + 1);
+        port->graph.port = jack_port_register(m_client, name.constData(), JACK_DEFAULT_MIDI_TYPE,
+                                              isInput ? JackPortIsInput : JackPortIsOutput, 0);
+        if (port->graph.port == nullptr) {
+            return false;
+        }
+        const MutexLocker lock(m_slotMutex);
+        if (std::find(m_withdrawn.begin(), m_withdrawn.end(), port.get()) == m_withdrawn.end()) {
+            m_slots[i] = port.get();
+        }
+        return true;
+    }
+    return false;
+}
+
+bool JackClient::Connection::connectPort(JackPort &port, const QByteArray &fullName)
+{
+    const char *own = jack_port_name(port.graph.port);
+    const bool isInput = port.direction() == PortDirection::Input;
+    const int result = jack_connect(m_client, isInput ? fullName.constData() : own,
+                                    isInput ? own : fullName.constData());
+    if (result != 0 && result != EEXIST) {
+        return false;
+    }
+    port.graph.other = jack_port_by_name(m_client, fullName.constData());
+    port.graph.passedOver.clear();
+    port.setConnected();
+    return true;
+}
+
+QByteArrayList JackClient::Connection::bearersOfName(const JackPort &port) const
+{
+    QByteArrayList names = portNames(m_client, port.direction());
+    names.removeIf([&port](const QByteArray &fullName) {
+        return splitJackPortName(QString::fromUtf8(fullName)) != port.boundTo;
+    });
+    return names;
+}
+
+void JackClient::Connection::losePort(JackPort &port, const QSet<QByteArray> &registered)
+{
+    port.setDisconnected();
+    port.graph.other = nullptr;
+    const QByteArrayList present = bearersOfName(port);
+    port.graph.passedOver = QSet<QByteArray>(present.begin(), present.end()) - registered;
+}
+
+void JackClient::Connection::takeAnnouncements(const std::vector<Announcement> &announcements)
+{
+    QSet<QByteArray> registered;
+    for (const Announcement &announcement : announcements) {
+        if (announcement.kind == Announcement::Kind::Registered && announcement.port != nullptr) {
+            registered.insert(jack_port_name(announcement.port));
+        }
+    }
+    for (const Announcement &announcement : announcements) {
+        for (const std::shared_ptr<JackPort> &port : m_ports) {
+            const jack_port_t *own = port->graph.port;
+            const jack_port_t *other = port->graph.other;
+            if (other == nullptr) {
+                continue;
+            }
+            const bool isGone =
+                announcement.kind == Announcement::Kind::Unregistered && announcement.port == other;
+            const bool isCut = announcement.kind == Announcement::Kind::Disconnected &&
+                               ((announcement.port == own && announcement.other == other) ||
+                                (announcement.port == other && announcement.other == own));
+            if (isGone || isCut) {
+                losePort(*port, registered);
+            }
+        }
+    }
+    takeUpPorts(registered);
+}
+
+// Connects the open ports whose other side is there again.
+void JackClient::Connection::takeUpPorts(const QSet<QByteArray> &registered)
+{
+    for (const std::shared_ptr<JackPort> &port : m_ports) {
+        if (port->graph.port == nullptr || port->graph.other != nullptr) {
+            continue;
+        }
+        const QByteArrayList present = bearersOfName(*port);
+        port->graph.passedOver.intersect(QSet<QByteArray>(present.begin(), present.end()));
+        port->graph.passedOver.subtract(registered);
+        for (const QByteArray &fullName : present) {
+            if (!port->graph.passedOver.contains(fullName) && connectPort(*port, fullName)) {
+                break;
+            }
+        }
+    }
+}

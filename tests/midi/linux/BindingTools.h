@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/Locks.h"
+#include "midi/MPEvent.h"
+#include "midi/TMIDIReaderRefConInterface.h"
+#include "midi/TUniMIDIPortAccessor.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QTemporaryFile>
+
+#include <cstdio>
+#include <unistd.h>
+
+// What the tests of the bindings share.
+
+// Keeps what a transport delivers, as the bytes that were on the wire.
+class Collector : public TMIDIReaderRefConInterface
+{
+public:
+    void midiIn(tagMPEVENT *event) override
+    {
+        QByteArray message;
+        if ((event->eventType & MPEventLongMask) != 0) {
+            message = QByteArray(1, event->eventType == MPEventSysEx ? '\xF0' : '\xF7');
+            message.append(reinterpret_cast<const char *>(event->longData),
+                           static_cast<qsizetype>(event->length));
+        } else if (event->eventType == MPEventControlChange) {
+            message.append(static_cast<char>(0xB0 | event->channel));
+            message.append(static_cast<char>(event->shortData[0]));
+            message.append(static_cast<char>(event->shortData[1]));
+        }
+        const MutexLocker lock(m_mutex);
+        m_messages.append(message);
+    }
+    QList<QByteArray> messages() const
+    {
+        const MutexLocker lock(m_mutex);
+        return m_messages;
+    }
+    qsizetype count() const
+    {
+        const MutexLocker lock(m_mutex);
+        return m_messages.size();
+    }
+    void clear()
+    {
+        const MutexLocker lock(m_mutex);
+        m_messages.clear();
+    }
+
+private:
+    mutable Mutex m_mutex;
+    QList<QByteArray> m_messages;
+};
+
+// The n-th of a burst: a control change for a length of 3, otherwise system exclusive. Carries its
+// number, so that a lost or a swapped one shows.
+inline QByteArray numberedMessage(int number, int length)
+{
+    const char high = static_cast<char>((number >> 14) & 0x7F);
+    const char middle = static_cast<char>((number >> 7) & 0x7F);
+    const char low = static_cast<char>(number & 0x7F);
+    if (length == 3) {
+        return QByteArray(1, static_cast<char>(0xB0 | high)) + middle + low;
+    }
+    QByteArray message(length, 0x55);
+    message[0] = '\xF0';
+    message[1] = high;
+    message[2] = middle;
+    message[3] = low;
+    message[length - 1] = '\xF7';
+    return message;
+}
+
+inline QList<QByteArray> numberedMessages(int count, int length)
+{
+    QList<QByteArray> messages;
+    for (int i = 0; i < count; ++i) {
+        messages.append(numberedMessage(i, length));
+    }
+    return messages;
+}
+
+// As TAppMIDIOut sends: the status apart from the rest.
+template <typename Transport>
+bool sendMessage(Transport &transport, const QByteArray &message)
+{
+    const auto *bytes = reinterpret_cast<const unsigned char *>(message.constData());
+    return transport.outputData(static_cast<int>(message.size()) - 1, bytes + 1, bytes[0]);
+}
+
+// The 1-based number of the port of this name in the list read now; 0 if there is none.
+inline int portNumber(TMIDIPortAccessor &accessor, int direction, const QString &name)
+{
+    const int count = accessor.getNumPorts(direction);
+    for (int i = 0; i < count; ++i) {
+        if (accessor.identifierForIndex(direction, i) == name) {
+            return i + 1;
+        }
+    }
+    return 0;
+}
+
+// What the process writes to its two outputs while this lives.
+class OutputCapture
+{
+public:
+    OutputCapture()
+    {
+        m_file.open();
+        fflush(nullptr);
+        for (int i = 0; i < 2; ++i) {
+            m_saved[i] = dup(i + 1);
+            dup2(m_file.handle(), i + 1);
+        }
+    }
+    ~OutputCapture() { restore(); }
+    OutputCapture(const OutputCapture &) = delete;
+    OutputCapture &operator=(const OutputCapture &) = delete;
+
+    QByteArray end()
+    {
+        restore();
+        m_file.seek(0);
+        return m_file.readAll();
+    }
+
+private:
+    void restore()
+    {
+        fflush(nullptr);
+        for (int i = 0; i < 2; ++i) {
+            if (m_saved[i] >= 0) {
+                dup2(m_saved[i], i + 1);
+                close(m_saved[i]);
+                m_saved[i] = -1;
+            }
+        }
+    }
+    QTemporaryFile m_file;
+    int m_saved[2] = {-1, -1};
+};
