@@ -21,6 +21,7 @@
 #include <chrono>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -84,6 +85,7 @@ public:
     void stop();
     void withdraw(const std::shared_ptr<JackPort> &port);
     std::atomic<bool> isAlive{false};
+    bool hasCatalogue(PortDirection direction);
     QByteArray catalogueName(PortDirection direction, int number);
 
     // Thread: worker.
@@ -117,8 +119,9 @@ private:
     bool m_isStopping = false;
     bool m_isFinished = false;
     bool m_isStuck = false; // a caller gave up waiting for the job at work
-    QByteArrayList m_inputs;
-    QByteArrayList m_outputs;
+    // Full names as read last; none if not read from this server yet.
+    std::optional<QByteArrayList> m_inputs;
+    std::optional<QByteArrayList> m_outputs;
 
     CallbackGate m_processGate;
     CallbackGate m_eventGate;
@@ -207,7 +210,7 @@ std::shared_ptr<JackPort> JackClient::openOutput(int number)
 std::shared_ptr<JackPort> JackClient::open(PortDirection direction, int number,
                                            TMIDITransport *transport)
 {
-    if (!isRunning()) {
+    if (!m_connection->hasCatalogue(direction)) {
         ports(direction);
     }
     const QByteArray fullName = m_connection->catalogueName(direction, number);
@@ -301,11 +304,18 @@ void JackClient::Connection::withdraw(const std::shared_ptr<JackPort> &port)
     m_processGate.waitUntilEmpty();
 }
 
+bool JackClient::Connection::hasCatalogue(PortDirection direction)
+{
+    const MutexLocker lock(m_mutex);
+    return (direction == PortDirection::Input ? m_inputs : m_outputs).has_value();
+}
+
 QByteArray JackClient::Connection::catalogueName(PortDirection direction, int number)
 {
     const MutexLocker lock(m_mutex);
-    const QByteArrayList &names = direction == PortDirection::Input ? m_inputs : m_outputs;
-    return names.value(number - 1);
+    return (direction == PortDirection::Input ? m_inputs : m_outputs)
+        .value_or(QByteArrayList())
+        .value(number - 1);
 }
 
 // ---- The server's threads ----------------------------------------------------------------------
@@ -459,8 +469,8 @@ void JackClient::Connection::disconnect()
     jack_client_close(std::exchange(m_client, nullptr));
     const MutexLocker lock(m_mutex);
     m_announcements.clear();
-    m_inputs.clear();
-    m_outputs.clear();
+    m_inputs.reset();
+    m_outputs.reset();
 }
 
 QStringList JackClient::Connection::readPorts(PortDirection direction)

@@ -9,6 +9,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QTemporaryFile>
+#include <QtTest/QTest>
 
 #include <cstdio>
 #include <unistd.h>
@@ -91,6 +92,20 @@ bool sendMessage(Transport &transport, const QByteArray &message)
     return transport.outputData(static_cast<int>(message.size()) - 1, bytes + 1, bytes[0]);
 }
 
+// Sends once and no more; QTRY_VERIFY would send several times.
+template <typename Transport>
+bool sendsWithin(Transport &transport, const QByteArray &message, int timeoutMs)
+{
+    return QTest::qWaitFor([&] { return sendMessage(transport, message); }, timeoutMs);
+}
+
+template <typename Transport>
+bool refusesWithin(Transport &transport, int timeoutMs)
+{
+    return QTest::qWaitFor([&] { return !sendMessage(transport, numberedMessage(1, 10)); },
+                           timeoutMs);
+}
+
 // The 1-based number of the port of this name in the list read now; 0 if there is none.
 inline int portNumber(TMIDIPortAccessor &accessor, int direction, const QString &name)
 {
@@ -116,13 +131,22 @@ public:
             dup2(m_file.handle(), i + 1);
         }
     }
-    ~OutputCapture() { restore(); }
+    // A test that fails before end() has said so into the capture.
+    ~OutputCapture()
+    {
+        restore();
+        if (!m_isEnded) {
+            m_file.seek(0);
+            fputs(m_file.readAll().constData(), stderr);
+        }
+    }
     OutputCapture(const OutputCapture &) = delete;
     OutputCapture &operator=(const OutputCapture &) = delete;
 
     QByteArray end()
     {
         restore();
+        m_isEnded = true;
         m_file.seek(0);
         return m_file.readAll();
     }
@@ -141,4 +165,5 @@ private:
     }
     QTemporaryFile m_file;
     int m_saved[2] = {-1, -1};
+    bool m_isEnded = false;
 };
