@@ -61,32 +61,79 @@ struct Command
 const QList<Command> &commands()
 {
     static const QList<Command> list = {
-        {QStringLiteral("ports"), QString(), 0, 0, {JsonOption},
+        {QStringLiteral("ports"),
+         QString(),
+         0,
+         0,
+         {JsonOption},
          QStringLiteral("The instruments among the MIDI ports.")},
-        {QStringLiteral("receive"), QStringLiteral("FILE"), 1, 1, {PortOption, TimeoutOption},
+        {QStringLiteral("receive"),
+         QStringLiteral("FILE"),
+         1,
+         1,
+         {PortOption, TimeoutOption},
          QStringLiteral("Receives the instrument's memory into an editor file.")},
-        {QStringLiteral("send"), QStringLiteral("FILE"), 1, 1,
+        {QStringLiteral("send"),
+         QStringLiteral("FILE"),
+         1,
+         1,
          {PortOption, TimeoutOption, EditBufferOnlyOption, StoreOption, BackupOption, VerifyOption},
          QStringLiteral("Sends an editor file to the instrument.")},
-        {QStringLiteral("show"), QStringLiteral("FILE"), 1, 1, {JsonOption, TemplateOption},
+        {QStringLiteral("show"),
+         QStringLiteral("FILE"),
+         1,
+         1,
+         {JsonOption, TemplateOption},
          QStringLiteral("What an editor file holds.")},
-        {QStringLiteral("get"), QStringLiteral("FILE ADDRESS"), 2, 2, {},
+        {QStringLiteral("get"),
+         QStringLiteral("FILE ADDRESS"),
+         2,
+         2,
+         {},
          QStringLiteral("One value of an editor file, as edit/13/knobA1/ccNumber, "
                         "stored/1/templateName or edit/currentTemplateNumber.")},
-        {QStringLiteral("set"), QStringLiteral("FILE ADDRESS VALUE"), 3, 3, {},
+        {QStringLiteral("set"),
+         QStringLiteral("FILE ADDRESS VALUE"),
+         3,
+         3,
+         {},
          QStringLiteral("Changes one value of an editor file.")},
-        {QStringLiteral("check"), QStringLiteral("FILE..."), 1, AnyNumber, {},
+        {QStringLiteral("check"),
+         QStringLiteral("FILE..."),
+         1,
+         AnyNumber,
+         {},
          QStringLiteral("Whether editor files can be opened.")},
-        {QStringLiteral("export"), QStringLiteral("FILE OUT.syx"), 2, 2, {},
+        {QStringLiteral("export"),
+         QStringLiteral("FILE OUT.syx"),
+         2,
+         2,
+         {},
          QStringLiteral("Writes what a send would transmit.")},
-        {QStringLiteral("import"), QStringLiteral("IN.syx FILE"), 2, 2, {},
+        {QStringLiteral("import"),
+         QStringLiteral("IN.syx FILE"),
+         2,
+         2,
+         {},
          QStringLiteral("Takes the dumps of such a file into an editor file.")},
-        {QStringLiteral("diff"), QStringLiteral("A B"), 2, 2, {},
+        {QStringLiteral("diff"),
+         QStringLiteral("A B"),
+         2,
+         2,
+         {},
          QStringLiteral("What differs between two editor files; ends with 1 if anything does.")},
-        {QStringLiteral("verify"), QStringLiteral("FILE"), 1, 1, {PortOption, TimeoutOption},
+        {QStringLiteral("verify"),
+         QStringLiteral("FILE"),
+         1,
+         1,
+         {PortOption, TimeoutOption},
          QStringLiteral("What differs between an editor file and the instrument; ends with 1 if "
                         "anything does.")},
-        {QStringLiteral("monitor"), QString(), 0, 0, {PortOption},
+        {QStringLiteral("monitor"),
+         QString(),
+         0,
+         0,
+         {PortOption},
          QStringLiteral("What the instrument sends, in words, until Ctrl-C.")},
     };
     return list;
@@ -102,8 +149,7 @@ const Command *findCommand(const QString &name)
 void addCommonOptions(QCommandLineParser *parser)
 {
     parser->addHelpOption();
-    parser->addOption({MidiOption,
-                       QStringLiteral("alsa or jack; by default the first there is."),
+    parser->addOption({MidiOption, QStringLiteral("alsa or jack; by default the first there is."),
                        QStringLiteral("SERVICE")});
 }
 
@@ -127,9 +173,9 @@ QString overview(const QCommandLineParser &parser)
         text += QStringLiteral("  %1 %2\n      %3\n")
                     .arg(command.name, command.operands, command.purpose);
     }
-    return text + QStringLiteral(
-                      "\nTemplates are numbered from 1. Exit codes: 0 done, 1 failed, 2 usage, "
-                      "3 no instrument, 4 timed out or broken off.\n");
+    return text +
+           QStringLiteral("\nTemplates are numbered from 1. Exit codes: 0 done, 1 failed, 2 usage, "
+                          "3 no instrument, 4 timed out or broken off.\n");
 }
 
 } // namespace
@@ -142,8 +188,7 @@ ArgumentParser::Result ArgumentParser::parse(const QStringList &words, Arguments
         QStringLiteral("Receives, edits and sends the remote-control assignments of the "
                        "instrument. \"trn-remote COMMAND --help\" tells a command's options."));
     // What follows the command is the command's.
-    parser.setOptionsAfterPositionalArgumentsMode(
-        QCommandLineParser::ParseAsPositionalArguments);
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     addCommonOptions(&parser);
     const QCommandLineOption version = parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("COMMAND"),

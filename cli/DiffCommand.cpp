@@ -31,8 +31,7 @@ ExitCode runDiff(const CommandContext &context)
         if (result != ExitCode::Done) {
             return result;
         }
-        documents.append(
-            Document::of(*context.workspace.api(), Bank::EditBuffer, Bank::Stored));
+        documents.append(Document::of(*context.workspace.api(), Bank::EditBuffer, Bank::Stored));
     }
     return tellDifferences(&context.console, differences(documents.at(0), documents.at(1)));
 }

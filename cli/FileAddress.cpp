@@ -85,8 +85,7 @@ const QList<FileField> &FileField::ofKnob()
 FileAddress FileAddress::currentTemplateNumber()
 {
     FileAddress address;
-    address.m_address =
-        ParamAddress(Bank::EditBuffer, ParamAddress::CurrentTemplateNumber, -1, -1);
+    address.m_address = ParamAddress(Bank::EditBuffer, ParamAddress::CurrentTemplateNumber, -1, -1);
     address.m_field = {CurrentTemplateWord, -1, false, ParamAddress::TemplateCount - 1};
     address.m_countsFromOne = true;
     return address;

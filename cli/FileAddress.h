@@ -13,7 +13,8 @@ class BankData;
 struct FileField
 {
     QString name;
-    int number; // in the controller field for a template's value, in the parameter field for a knob's
+    int number; // in the controller field for a template's value, in the parameter field for a
+                // knob's
     bool isText;
     int limit; // longest text, or highest number; the lowest is 0
 

@@ -89,8 +89,7 @@ ExitCode runImport(const CommandContext &context)
     const QString &source = context.arguments.operands.at(0);
     const QString &path = context.arguments.operands.at(1);
     QByteArray bytes;
-    ExitCode result =
-        FileTarget::read(&context.console, source, SysExFile::MaximumBytes, &bytes);
+    ExitCode result = FileTarget::read(&context.console, source, SysExFile::MaximumBytes, &bytes);
     if (result != ExitCode::Done) {
         return result;
     }

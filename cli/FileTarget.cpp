@@ -39,8 +39,8 @@ ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 {
     const QFileInfo file(path);
     const QFileInfo folder(file.absolutePath());
-    const bool isPossible = file.exists() ? file.isFile() && file.isWritable()
-                                          : folder.isDir() && folder.isWritable();
+    const bool isPossible =
+        file.exists() ? file.isFile() && file.isWritable() : folder.isDir() && folder.isWritable();
     return isPossible ? ExitCode::Done : fail(console, path, NotWritten);
 }
 

@@ -28,10 +28,9 @@ QString numberRanges(const QList<int> &numbers)
         while (i + 1 < numbers.size() && numbers.at(i + 1) == numbers.at(i) + 1) {
             ++i;
         }
-        ranges.append(first == i ? QString::number(numbers.at(i) + 1)
-                                 : QStringLiteral("%1-%2")
-                                       .arg(numbers.at(first) + 1)
-                                       .arg(numbers.at(i) + 1));
+        ranges.append(
+            first == i ? QString::number(numbers.at(i) + 1)
+                       : QStringLiteral("%1-%2").arg(numbers.at(first) + 1).arg(numbers.at(i) + 1));
     }
     return ranges.join(QStringLiteral(", "));
 }
@@ -163,9 +162,9 @@ ExitCode InstrumentSession::receive(int timeoutMs)
     QObject::connect(
         m_api, &RemoteMemAPI::notifiedCurrentTemplateNumber, &context,
         [&] { isCurrentTemplateTold = true; }, Qt::QueuedConnection);
-    const ExitCode result =
-        perform(QStringLiteral("Receiving"),
-                [&](SyncRun *run) { return run->startReceive(true, timeoutMs); });
+    const ExitCode result = perform(QStringLiteral("Receiving"), [&](SyncRun *run) {
+        return run->startReceive(true, timeoutMs);
+    });
     if (result != ExitCode::Done) {
         return result;
     }

@@ -16,11 +16,11 @@ ExitCode runPorts(const CommandContext &context)
     if (context.arguments.json) {
         QJsonArray instruments;
         for (const PortInfo &instrument : selection.instruments()) {
-            instruments.append(QJsonObject{
-                {QStringLiteral("name"), instrument.name},
-                {QStringLiteral("activeSense"), instrument.activeSensePort},
-                {QStringLiteral("communicationIn"), instrument.communicationInPort},
-                {QStringLiteral("communicationOut"), instrument.communicationOutPort}});
+            instruments.append(
+                QJsonObject{{QStringLiteral("name"), instrument.name},
+                            {QStringLiteral("activeSense"), instrument.activeSensePort},
+                            {QStringLiteral("communicationIn"), instrument.communicationInPort},
+                            {QStringLiteral("communicationOut"), instrument.communicationOutPort}});
         }
         const QJsonObject root{{QStringLiteral("instruments"), instruments}};
         context.console.bytes(QJsonDocument(root).toJson(QJsonDocument::Indented));
@@ -28,11 +28,11 @@ ExitCode runPorts(const CommandContext &context)
     }
     for (const PortInfo &instrument : selection.instruments()) {
         context.console.line(
-            QStringLiteral("%1  (active sensing from input %2, messages from input %3, to output %4)")
-                .arg(instrument.name)
-                .arg(instrument.activeSensePort)
-                .arg(instrument.communicationInPort)
-                .arg(instrument.communicationOutPort));
+            QStringLiteral(
+                "%1  (active sensing from input %2, messages from input %3, to output %4)")
+                .arg(instrument.name, QString::number(instrument.activeSensePort),
+                     QString::number(instrument.communicationInPort),
+                     QString::number(instrument.communicationOutPort)));
     }
     if (selection.instruments().isEmpty()) {
         context.console.note(QStringLiteral("No instrument was found among the MIDI ports."));

@@ -71,32 +71,33 @@ void showBank(Console *console, const BankData &bank, const BankData &other, int
                            QStringLiteral("Instrument").leftJustified(NameWidth)));
     for (int number = 0; number < ParamAddress::TemplateCount; ++number) {
         const ControlTemplateData &data = bank.getTemplate(number);
-        console->line(QStringLiteral("%1 %2%3  %4  %5  %6")
-                          .arg(number == current ? QLatin1Char('>') : QLatin1Char(' '))
-                          .arg(number + 1, 3)
-                          .arg(data == other.getTemplate(number) ? QLatin1Char(' ')
-                                                                 : QLatin1Char('*'))
-                          .arg(cell(data.getTemplateName(), NameWidth),
-                               cell(data.getVSTiName(), NameWidth))
-                          .arg(data.getCtrlType().getCurrentValue()));
+        // One replacement for all: a name may hold what looks like a place to fill.
+        console->line(
+            QStringLiteral("%1 %2%3  %4  %5  %6")
+                .arg(number == current ? QStringLiteral(">") : QStringLiteral(" "),
+                     QString::number(number + 1).rightJustified(3),
+                     data == other.getTemplate(number) ? QStringLiteral(" ") : QStringLiteral("*"),
+                     cell(data.getTemplateName(), NameWidth), cell(data.getVSTiName(), NameWidth),
+                     QString::number(data.getCtrlType().getCurrentValue())));
     }
 }
 
 void showTemplate(Console *console, const ControlTemplateData &data)
 {
     console->line(QStringLiteral("  templateName \"%1\", vstiName \"%2\", controlType %3")
-                      .arg(cell(data.getTemplateName(), 0), cell(data.getVSTiName(), 0))
-                      .arg(data.getCtrlType().getCurrentValue()));
+                      .arg(cell(data.getTemplateName(), 0), cell(data.getVSTiName(), 0),
+                           QString::number(data.getCtrlType().getCurrentValue())));
     console->line(QStringLiteral("  Knob    %1   CC  Format  Remote")
                       .arg(QStringLiteral("Name").leftJustified(NameWidth)));
     for (int index = 0; index < ParamAddress::KnobCount; ++index) {
         const ControllerData knob = data.getController(index);
-        console->line(QStringLiteral("  %1  %2  %3  %4  %5")
-                          .arg(QLatin1String(LCDSelectAddressUpper[index]),
-                               cell(knob.getDisplayName(), NameWidth))
-                          .arg(knob.getCCNum().getCurrentValue(), 3)
-                          .arg(knob.getDispFormat().getCurrentValue(), 6)
-                          .arg(cell(knob.getRemoteTagID(), 0)));
+        console->line(
+            QStringLiteral("  %1  %2  %3  %4  %5")
+                .arg(QLatin1String(LCDSelectAddressUpper[index]),
+                     cell(knob.getDisplayName(), NameWidth),
+                     QString::number(knob.getCCNum().getCurrentValue()).rightJustified(3),
+                     QString::number(knob.getDispFormat().getCurrentValue()).rightJustified(6),
+                     cell(knob.getRemoteTagID(), 0)));
     }
 }
 

@@ -249,8 +249,7 @@ private:
             return fail(QStringLiteral("%1 has a block of an unknown kind").arg(m_dump.name()));
         }
         if (byteAt(message, isTemplate ? ControlTypePosition : DisplayFormatPosition) > 1) {
-            return fail(
-                QStringLiteral("%1 has a value out of its range").arg(m_dump.name()));
+            return fail(QStringLiteral("%1 has a value out of its range").arg(m_dump.name()));
         }
         m_dump.blocks |= 1u << (isTemplate ? 0 : 1 + knob);
         m_import->messages.append(message);

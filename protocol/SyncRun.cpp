@@ -69,8 +69,8 @@ bool SyncRun::startSend(bool editBufferOnly, int timeoutMs)
           timeoutMs > 0 ? timeoutMs : timings().sendRunTimeoutMs);
     m_api->setWaitBulkTransmitDone(true);
     connect(
-        m_api, &RemoteMemAPI::completeBulkTransmit, m_connections.get(), [this] { sendCompleted(); },
-        Qt::QueuedConnection);
+        m_api, &RemoteMemAPI::completeBulkTransmit, m_connections.get(),
+        [this] { sendCompleted(); }, Qt::QueuedConnection);
     if (!m_api->sendEditorAllData(editBufferOnly)) {
         fail(Reason::Refused);
         return false;
@@ -209,8 +209,8 @@ void SyncRun::sendCompleted()
 
 void SyncRun::reportProgress()
 {
-    const int outstanding = m_kind == Kind::Receive ? m_api->transmitedBulkReqCount()
-                                                    : m_api->transmitedBulkCount();
+    const int outstanding =
+        m_kind == Kind::Receive ? m_api->transmitedBulkReqCount() : m_api->transmitedBulkCount();
     const int done = std::clamp(m_total - outstanding, 0, m_total);
     if (isRunning() && done > m_reported) {
         m_reported = done;
