@@ -126,6 +126,19 @@ inline QByteArray bytesOf(const tagMPEVENT &event)
                       static_cast<qsizetype>(event.length));
 }
 
+// Frees the bytes of an event that a create function filled.
+class OwnedBytes
+{
+public:
+    explicit OwnedBytes(const tagMPEVENT &event)
+        : m_bytes(event.longData)
+    {
+    }
+
+private:
+    std::unique_ptr<unsigned char[]> m_bytes;
+};
+
 // A device on the loopback that keeps what the editor sends. Ports 1 to 5 of the catalogue are its
 // own, since it is plugged in alone.
 class RecordingDevice
