@@ -8,6 +8,7 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
+#include <QtCore/QLoggingCategory>
 
 #include <chrono>
 #include <cstring>
@@ -262,9 +263,11 @@ private:
     QObject m_context; // last: nothing comes once it is gone
 };
 
-// Nine banks, the first two marked as filled, as the program starts.
+// Nine banks, the first two marked as filled, as the program starts; and without the debug line
+// that each dump gives.
 inline void makeBanks(RemoteMemAPI *api)
 {
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     while (api->getQuantityOfBank() < 9) {
         api->createBank();
     }
