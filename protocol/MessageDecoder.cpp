@@ -300,6 +300,9 @@ bool MessageDecoder::Process(tagMPEVENT &event)
     if (!isBulkAcknowledge(event)) {
         return false;
     }
+    // In one piece: whoever hears of the completion may ask for dumps at once, and the wish for
+    // them must not be revoked after that.
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
     decrementTransmitedBulkCounter();
     bool queueWasEmpty = false;
     m_memAPI->sendMessage(&queueWasEmpty);

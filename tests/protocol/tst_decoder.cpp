@@ -5,6 +5,8 @@
 
 #include <QtTest/QtTest>
 
+#include <thread>
+
 namespace
 {
 
@@ -185,6 +187,32 @@ private Q_SLOTS:
         QVERIFY(rig.process(acknowledge()));
         QCOMPARE(rig.runSignals.transmitted(), 1);
         QCOMPARE(rig.decoder.transmitedBulkCount(), 0);
+    }
+
+    void noDumpsCanBeAskedForBetweenTheCompletionAndTheRevoking()
+    {
+        DecoderRig rig;
+        rig.api.setWaitBulkTransmitDone(true);
+        int completions = 0;
+        bool isLocked = false;
+        QObject context;
+        QObject::connect(
+            &rig.api, &RemoteMemAPI::completeBulkTransmit, &context,
+            [&] {
+                ++completions;
+                // Another thread that wants to ask for dumps now has to wait.
+                std::thread other([&] {
+                    isLocked = !rig.api.memoryMutex.try_lock();
+                    if (!isLocked) {
+                        rig.api.memoryMutex.unlock();
+                    }
+                });
+                other.join();
+            },
+            Qt::DirectConnection);
+        QVERIFY(rig.process(acknowledge()));
+        QCOMPARE(completions, 1);
+        QVERIFY(isLocked);
     }
 
     void anAcknowledgeThatNobodyWaitsForCompletesNothing()
