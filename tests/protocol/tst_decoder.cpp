@@ -920,8 +920,6 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(ParamAddress)
-
 QTEST_GUILESS_MAIN(TestDecoder)
 
 #include "tst_decoder.moc"

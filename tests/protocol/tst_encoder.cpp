@@ -650,8 +650,6 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(ParamAddress)
-
 QTEST_GUILESS_MAIN(TestEncoder)
 
 #include "tst_encoder.moc"

@@ -262,8 +262,6 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(ParamAddress)
-
 QTEST_GUILESS_MAIN(TestSysExTable)
 
 #include "tst_sysextable.moc"
