@@ -18,16 +18,17 @@ inline constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
 inline constexpr int MaximumAttributes = 1000;
 
 // Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
-// declares entities or attributes; message and line (from 1) then tell what and where, and the document is empty.
-// Neither pointer may be null.
+// declares entities or attributes; message and line (from 1) then tell what and where, and the
+// document is empty. Neither pointer may be null.
 bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line);
 
 // The text with '?' in place of each character that XML 1.0 forbids, so that what is written can be
 // read back.
 QString writable(const QString &text);
 
-// Appends the text to the element as a text node. Text of blanks alone (any of Unicode's) goes in as
-// a CDATA section, since the parser drops it otherwise; its carriage returns come back as line ends.
+// Appends the text to the element as a text node. Text of blanks alone (any of Unicode's) goes in
+// as a CDATA section, since the parser drops it otherwise; its carriage returns come back as line
+// ends.
 void appendText(QDomDocument *document, QDomElement *element, const QString &text);
 
 } // namespace XmlDocument
