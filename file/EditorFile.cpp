@@ -123,7 +123,8 @@ bool EditorFile::save(RemoteMemAPI *api, int bank, QFile *file, QString *error)
 
 bool EditorFile::load(RemoteMemAPI *api, int bank, QFile *file, bool fullDocument, QString *error)
 {
-    if (!file->exists()) {
+    // By name, since the file's own word counts a link to nothing as there.
+    if (!QFile::exists(file->fileName())) {
         return fail(error, ErrorNotFound);
     }
     // Opening a pipe or a device could wait for ever.
