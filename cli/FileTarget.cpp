@@ -47,7 +47,10 @@ ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 ExitCode FileTarget::write(Console *console, const QString &path, const QByteArray &bytes)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    // Flushed first: on a device, which is not replaced but written, a commit does not tell of
+    // what its last write met.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit()) {
         return fail(console, path, NotWritten);
     }
     return ExitCode::Done;

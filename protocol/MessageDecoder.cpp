@@ -292,6 +292,9 @@ bool MessageDecoder::Process(tagMPEVENT &event)
     if (!isBulkAcknowledge(event)) {
         return false;
     }
+    // Whoever hears of the completion may ask for dumps at once; the revocation that belongs to this
+    // run must not hit them, so that asking, which takes this lock, waits for it.
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
     decrementTransmitedBulkCounter();
     bool queueWasEmpty = false;
     m_memAPI->sendMessage(&queueWasEmpty);

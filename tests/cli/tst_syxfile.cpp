@@ -51,8 +51,8 @@ private Q_SLOTS:
 private:
     int import(const QByteArray &bytes)
     {
-        return m_cli->write("in.syx"_qs, bytes)
-                   ? m_cli->run({"import", m_cli->path("in.syx"_qs), file()})
+        return m_cli->write("in.syx"_q, bytes)
+                   ? m_cli->run({"import", m_cli->path("in.syx"_q), file()})
                    : -1;
     }
     InstrumentMemory contents()
@@ -69,14 +69,14 @@ private:
     QByteArray exported(const InstrumentMemory &memory)
     {
         QString error;
-        const QString source = m_cli->path("source.Q7V"_qs);
+        const QString source = m_cli->path("source.Q7V"_q);
         if (!InstrumentFile::save(source, memory, &error) ||
-            m_cli->run({"export", source, m_cli->path("out.syx"_qs)}) != 0) {
+            m_cli->run({"export", source, m_cli->path("out.syx"_q)}) != 0) {
             return QByteArray();
         }
-        return m_cli->read("out.syx"_qs);
+        return m_cli->read("out.syx"_q);
     }
-    QString file() const { return m_cli->path("a.Q7V"_qs); }
+    QString file() const { return m_cli->path("a.Q7V"_q); }
 
     std::unique_ptr<CliHarness> m_cli;
 };
@@ -97,17 +97,17 @@ void TestSyxFile::exportIsWhatAFullSendTransmits()
     VirtualInstrument instrument;
     int device = 0;
     Mutex mutex;
-    device = LoopbackHub::instance().plug("Corvan TARN/TERN"_qs, 5,
-                                          [&](int port, const QByteArray &run) {
-                                              {
-                                                  const MutexLocker lock(mutex);
-                                                  wire += run;
-                                              }
-                                              instrument.receive(port, run);
-                                          });
+    device =
+        LoopbackHub::instance().plug("Corvan TARN/TERN"_q, 5, [&](int port, const QByteArray &run) {
+            {
+                const MutexLocker lock(mutex);
+                wire += run;
+            }
+            instrument.receive(port, run);
+        });
     instrument.setOutput(
         [&](int port, const QByteArray &run) { LoopbackHub::instance().send(device, port, run); });
-    const int code = m_cli->run({"send", m_cli->path("source.Q7V"_qs)});
+    const int code = m_cli->run({"send", m_cli->path("source.Q7V"_q)});
     LoopbackHub::instance().unplug(device);
     instrument.setOutput({});
     QCOMPARE(code, 0);
@@ -119,7 +119,7 @@ void TestSyxFile::importOfAnExportGivesTheSameDocument()
     const InstrumentMemory memory = randomMemory(22);
     QCOMPARE(import(exported(memory)), 0);
     QVERIFY(contents() == memory);
-    QCOMPARE(m_cli->run({"diff", m_cli->path("source.Q7V"_qs), file()}), 0);
+    QCOMPARE(m_cli->run({"diff", m_cli->path("source.Q7V"_q), file()}), 0);
 }
 
 void TestSyxFile::importTakesTheDevicesOwnDumps()
@@ -207,11 +207,11 @@ void TestSyxFile::cutAtEveryByte()
     }
     // The same through the command, where a dump's parts meet.
     QVERIFY(writeFile(memory));
-    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    const QByteArray before = m_cli->read("a.Q7V"_q);
     for (const int cut : {0, 1, 2, 11, 12, 13, 50, 51, 518, 520, FullSendBytes - 1}) {
         QCOMPARE(import(bytes.first(cut)), 1);
         QVERIFY(m_cli->err.contains("in.syx: "));
-        QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+        QCOMPARE(m_cli->read("a.Q7V"_q), before);
     }
 }
 
@@ -269,25 +269,25 @@ void TestSyxFile::hostileFiles()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(writeFile(randomMemory(31)));
-    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    const QByteArray before = m_cli->read("a.Q7V"_q);
     QCOMPARE(import(bytes), 1);
     QVERIFY2(m_cli->err.contains("in.syx: "), m_cli->err.constData());
     QVERIFY(m_cli->err.size() > 20);
-    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
     QVERIFY(QFile::remove(file()));
     QCOMPARE(import(bytes), 1);
-    QVERIFY(!m_cli->exists("a.Q7V"_qs));
+    QVERIFY(!m_cli->exists("a.Q7V"_q));
 }
 
 void TestSyxFile::importIntoADamagedFileLeavesIt()
 {
-    QVERIFY(m_cli->write("a.Q7V"_qs, "damaged"));
+    QVERIFY(m_cli->write("a.Q7V"_q, "damaged"));
     QCOMPARE(import(deviceDump(DumpType::Stored, 3, randomMemory(32).stored[0])), 1);
     QVERIFY(m_cli->err.contains("a.Q7V: Parse error"));
-    QCOMPARE(m_cli->read("a.Q7V"_qs), QByteArray("damaged"));
-    QCOMPARE(m_cli->run({"import", m_cli->path("none.syx"_qs), file()}), 1);
+    QCOMPARE(m_cli->read("a.Q7V"_q), QByteArray("damaged"));
+    QCOMPARE(m_cli->run({"import", m_cli->path("none.syx"_q), file()}), 1);
     QVERIFY(m_cli->err.contains("none.syx: File was not found."));
-    QCOMPARE(m_cli->run({"import", m_cli->path("."_qs), file()}), 1);
+    QCOMPARE(m_cli->run({"import", m_cli->path("."_q), file()}), 1);
     QVERIFY(m_cli->err.contains("File could not be opened."));
 }
 
