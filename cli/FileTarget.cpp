@@ -46,11 +46,13 @@ ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 
 ExitCode FileTarget::write(Console *console, const QString &path, const QByteArray &bytes)
 {
+    // A device or a pipe would be replaced, too, by whoever may do that.
+    const ExitCode result = checkWritable(console, path);
+    if (result != ExitCode::Done) {
+        return result;
+    }
     QSaveFile file(path);
-    // Flushed first: on a device, which is not replaced but written, a commit does not tell of
-    // what its last write met.
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
-        !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         return fail(console, path, NotWritten);
     }
     return ExitCode::Done;

@@ -24,8 +24,9 @@ namespace
 constexpr int RemoteNumberLength = 9;
 // Header and footer: address, checksum and end are all there.
 constexpr std::uint32_t FramingLength = 11;
-// Both contents blocks: the data up to device low address 0x19, checksum, end.
-constexpr std::uint32_t ShortestContentsLength = SysEx::PositionBulkData + 0x1A + 2;
+// Data bytes of the contents blocks; checksum and end follow.
+constexpr int TemplateDataLength = 0x1B;
+constexpr int KnobDataLength = 0x1A;
 // A change without data, as the store report is.
 constexpr std::uint32_t ShortestChangeLength = 8;
 
@@ -38,6 +39,13 @@ bool holds(const tagMPEVENT &event, int position)
 unsigned char byteAt(const tagMPEVENT &event, int position)
 {
     return holds(event, position) ? event.longData[position] : static_cast<unsigned char>(0xFF);
+}
+
+// Bit 7 is never set within a message. Where it is, the input joined two messages that came in one
+// run, and the first of them has ended already.
+bool areDataBytes(const unsigned char *bytes, int count)
+{
+    return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte < 0x80; });
 }
 
 bool isBulkType(unsigned char type)
@@ -81,9 +89,16 @@ public:
         , m_lock(api->memoryMutex)
         , m_wasOpen(api->isAllowToSendSysEx())
     {
-        m_api->setAllowToSendSysExFlag(false);
+        if (m_wasOpen) {
+            m_api->setAllowToSendSysExFlag(false);
+        }
     }
-    ~ClosedGate() { m_api->setAllowToSendSysExFlag(m_wasOpen); }
+    ~ClosedGate()
+    {
+        if (m_wasOpen) {
+            m_api->setAllowToSendSysExFlag(true);
+        }
+    }
     ClosedGate(const ClosedGate &) = delete;
     ClosedGate &operator=(const ClosedGate &) = delete;
 
@@ -292,8 +307,8 @@ bool MessageDecoder::Process(tagMPEVENT &event)
     if (!isBulkAcknowledge(event)) {
         return false;
     }
-    // Whoever hears of the completion may ask for dumps at once; the revocation that belongs to this
-    // run must not hit them, so that asking, which takes this lock, waits for it.
+    // In one piece: whoever hears of the completion may ask for dumps at once, and the wish for
+    // them must not be revoked after that.
     const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
     decrementTransmitedBulkCounter();
     bool queueWasEmpty = false;
@@ -351,9 +366,13 @@ bool MessageDecoder::decodeBulkContents(const tagMPEVENT &event)
         return false;
     }
     // Checked before the first field is written: a short block is refused whole.
-    if (!m_receivingBulk || event.length < ShortestContentsLength) {
+    const int dataLength = isCommon ? TemplateDataLength : KnobDataLength;
+    if (!m_receivingBulk || !holds(event, SysEx::PositionBulkData + dataLength + 1) ||
+        !areDataBytes(event.longData + SysEx::PositionBulkData, dataLength)) {
         return false;
     }
+    // One gate, and so one taking of the memory's lock, for all fields of the block.
+    const ClosedGate gate(m_memAPI);
     bool good = true;
     if (isCommon) {
         for (const int field :
@@ -447,7 +466,7 @@ bool MessageDecoder::DecodeParameterChange(tagMPEVENT &event)
     m_sysExTable->getSysExAddressParamInfo(device, place);
 
     if (!address.isStringParamAdr()) {
-        if (dataLength < 1) {
+        if (dataLength < 1 || !areDataBytes(data, 1)) {
             return false;
         }
         const bool written = WriteNumericParamToMemory(address, data[0]);
@@ -463,7 +482,7 @@ bool MessageDecoder::DecodeParameterChange(tagMPEVENT &event)
     } else if (address.isRemoteTagIDAdr()) {
         count = RemoteNumberLength;
     }
-    return count > 0 && dataLength >= count &&
+    return count > 0 && dataLength >= count && areDataBytes(data, count) &&
            WriteStringParamToMemory(data, place[0], address, count);
 }
 

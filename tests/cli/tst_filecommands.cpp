@@ -8,9 +8,10 @@
 #include <QtCore/QJsonArray>
 #include <QtTest/QtTest>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <csignal>
 #include <memory>
 
 // The commands on files: show, get, set, check, diff, and bad input to all that read one.
@@ -31,7 +32,8 @@ private Q_SLOTS:
     void refusedValuesNameTheLimit();
     void refusedAddresses_data();
     void refusedAddresses();
-    void setOnAFileThatCantBeWritten();
+    void aFullDiskLeavesTheOldFile();
+    void exportOntoWhatIsNoPlainFileIsRefused();
     void checkTellsEachFile();
     void diffOfEqualFilesIsSilent();
     void diffNamesEachParameter();
@@ -228,17 +230,39 @@ void TestFileCommands::refusedAddresses()
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
 }
 
-void TestFileCommands::setOnAFileThatCantBeWritten()
+void TestFileCommands::aFullDiskLeavesTheOldFile()
 {
-    if (geteuid() == 0) {
-        // Nothing is unwritable for root but a file system that is full.
-        QVERIFY(QFile::link("/dev/full"_q, other()));
-        QCOMPARE(m_cli->run({"export", file(), other()}), 1);
-    } else {
-        QVERIFY(QFile::setPermissions(file(), QFile::ReadOwner));
-        QCOMPARE(m_cli->run({"set", file(), "edit/1/controlType", "1"}), 1);
+    QVERIFY(QFile::copy(file(), other()));
+    const QByteArray before = m_cli->read("a.Q7V"_q);
+    rlimit old{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{10000, old.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const int setCode = m_cli->run({"set", file(), "edit/1/templateName", "changed"});
+    const QByteArray setError = m_cli->err;
+    const int exportCode = m_cli->run({"export", file(), other()});
+    const QByteArray exportError = m_cli->err;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+    QCOMPARE(setCode, 1);
+    QVERIFY2(setError.contains("Failed in the file writing."), setError.constData());
+    QCOMPARE(exportCode, 1);
+    QVERIFY2(exportError.contains("Failed in the file writing."), exportError.constData());
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
+    QCOMPARE(m_cli->read("b.Q7V"_q), before);
+}
+
+void TestFileCommands::exportOntoWhatIsNoPlainFileIsRefused()
+{
+    const QString pipe = m_cli->path("pipe"_q);
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &target : {pipe, m_cli->path("."_q), m_cli->path("none/out.syx"_q)}) {
+        QCOMPARE(m_cli->run({"export", file(), target}), 1);
+        QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
     }
-    QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
+    struct stat status = {};
+    QCOMPARE(stat(QFile::encodeName(pipe).constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
 }
 
 void TestFileCommands::checkTellsEachFile()
