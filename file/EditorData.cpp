@@ -4,7 +4,10 @@
 #include "file/XmlDocument.h"
 #include "memory/RemoteMemAPI.h"
 
+#include <QtCore/QRegularExpression>
+
 #include <array>
+#include <limits>
 
 const QString EditorData::FileVersion = QStringLiteral("1.0");
 const QString EditorData::DocType = QStringLiteral("TARN_TERNRemoteEditorFile");
@@ -45,6 +48,24 @@ constexpr int DecimalDigits = 10;
 bool isRefused(const QDomElement &element, const QString &tag)
 {
     return element.isNull() || (!tag.isEmpty() && element.tagName() != tag);
+}
+
+// 0 for a text that is no number. One too large for its type becomes the type's limit, so that the
+// parameter's bounds refuse it, as they refuse any that is out of range.
+long decimalNumber(const QString &text)
+{
+    bool isNumber = false;
+    const qlonglong value = text.toLongLong(&isNumber);
+    if (isNumber) {
+        return static_cast<long>(value);
+    }
+    static const QRegularExpression digits(QStringLiteral("^\\s*([+-]?)[0-9]+\\s*$"));
+    const QRegularExpressionMatch match = digits.match(text);
+    if (!match.hasMatch()) {
+        return 0;
+    }
+    return match.captured(1) == QLatin1String("-") ? std::numeric_limits<long>::min()
+                                                   : std::numeric_limits<long>::max();
 }
 
 void appendValue(QDomDocument *document, QDomElement *parent, const QString &tag,
@@ -155,9 +176,8 @@ bool EditorData::setNumericParamFromDomElement(RemoteMemAPI *api, const QDomElem
     if (child.isNull()) {
         return false;
     }
-    // Wide enough that a large number is refused by the bounds and does not turn into another one.
-    const auto value = static_cast<long>(child.text().toLongLong());
-    api->setParam(ParamAddress(bank, template_, controller, parameter), value);
+    api->setParam(ParamAddress(bank, template_, controller, parameter),
+                  decimalNumber(child.text()));
     return true;
 }
 

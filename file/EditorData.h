@@ -9,10 +9,9 @@ class RemoteMemAPI;
 
 // The XML form of banks, templates and knobs, for editor files and the clipboard. Knows no files.
 //
-//   bank        template1 .. template50                        the bank's templates
-//               editBuffTemplate1 .. editBuffTemplate50        those of bank 0, with the edit
-//               buffer bankInfo / templateNumber                      of bank 0, with the edit
-//               buffer
+//   bank        template1 .. template50                  the bank's templates
+//               editBuffTemplate1 .. editBuffTemplate50  those of bank 0, with the edit buffer
+//               bankInfo / templateNumber                of bank 0, with the edit buffer
 //   template    name, vstiname, controltype, knobA1, knobB1 .. knobD3
 //   knob        displayname, ccnumber, displayformat, remotenumber
 //

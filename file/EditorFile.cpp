@@ -18,6 +18,8 @@ namespace
 {
 
 constexpr int Indent = 4;
+// As far as the system itself follows them.
+constexpr int MaximumLinks = 40;
 
 const QString ErrorNotFound = QStringLiteral("File was not found.");
 const QString ErrorNotOpened = QStringLiteral("File could not be opened.");
@@ -65,6 +67,20 @@ QString refusal(const QByteArray &content, QDomDocument *document)
     return QString();
 }
 
+// The file that the name leads to through links, which stay; empty if something is there that is no
+// file: replacing would remove a pipe or a device.
+QString placeToWrite(const QString &name)
+{
+    QFileInfo place(name);
+    for (int links = 0; place.isSymLink(); ++links) {
+        if (links == MaximumLinks) {
+            return QString();
+        }
+        place.setFile(place.symLinkTarget());
+    }
+    return !place.exists() || place.isFile() ? place.filePath() : QString();
+}
+
 bool readFullDocument(RemoteMemAPI *api, const QDomElement &root)
 {
     const QString &docType = EditorData::DocType;
@@ -91,8 +107,9 @@ bool EditorFile::save(RemoteMemAPI *api, int bank, QFile *file, QString *error)
     root.setAttribute(EditorData::AttributeVersion, EditorData::FileVersion);
     document.appendChild(root);
 
-    QSaveFile target(file->fileName());
-    if (!target.open(QIODevice::WriteOnly)) {
+    const QString path = placeToWrite(file->fileName());
+    QSaveFile target(path);
+    if (path.isEmpty() || !target.open(QIODevice::WriteOnly)) {
         return fail(error, ErrorWriting);
     }
     QTextStream stream(&target);

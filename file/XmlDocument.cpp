@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file/XmlDocument.h"
 
+#include <QtCore/QStringConverter>
+#include <QtCore/QStringDecoder>
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
@@ -14,21 +16,98 @@ bool isForbidden(char16_t unit)
     return isControl || unit == 0xFFFE || unit == 0xFFFF;
 }
 
-// The streaming pass. False with message and line set if the text is not to be parsed.
-bool check(const QByteArray &text, QString *message, int *line)
+bool refuse(const QString &reason, qint64 atLine, QString *message, int *line)
 {
-    QXmlStreamReader reader(text);
-    const auto refuse = [&](const QString &reason) {
-        *message = reason;
-        *line = static_cast<int>(reader.lineNumber());
+    *message = reason;
+    *line = static_cast<int>(atLine);
+    return false;
+}
+
+// The text in the encoding that its mark, its first characters or its declaration tell. Both passes
+// read what comes of it, so neither sees other characters than were looked at here.
+bool decode(const QByteArray &bytes, QString *text)
+{
+    QXmlStreamReader beginning(bytes);
+    beginning.readNext();
+    const auto marked = QStringConverter::encodingForData(bytes, u'<');
+    QStringDecoder decoder;
+    if (marked.has_value()) {
+        decoder = QStringDecoder(*marked);
+    } else if (beginning.documentEncoding().isEmpty()) {
+        decoder = QStringDecoder(QStringDecoder::Utf8);
+    } else {
+        decoder = QStringDecoder(beginning.documentEncoding().toLatin1().constData());
+    }
+    if (!decoder.isValid()) {
         return false;
+    }
+    *text = decoder.decode(bytes);
+    return !decoder.hasError();
+}
+
+// The parser compares each attribute of a tag with all others before it tells of the tag, so the
+// tags are looked at before it. Text that is not well formed may be misread from there on; the
+// parser stops at the same place. Returns the offset of the first tag with too many, or -1.
+qsizetype overloadedTag(QStringView text)
+{
+    qsizetype start = text.indexOf(u'<');
+    while (start >= 0) {
+        const QStringView rest = text.sliced(start);
+        qsizetype end = -1;
+        const auto skipTo = [&](QStringView terminator) {
+            const qsizetype found = rest.indexOf(terminator);
+            end = found < 0 ? -1 : start + found + terminator.size();
+        };
+        if (rest.startsWith(u"<!--")) {
+            skipTo(u"-->");
+        } else if (rest.startsWith(u"<![CDATA[")) {
+            skipTo(u"]]>");
+        } else if (rest.startsWith(u"<?")) {
+            skipTo(u"?>");
+        } else if (rest.startsWith(u"<!")) {
+            end = start + 2;
+        } else {
+            int attributes = 0;
+            QChar quote;
+            for (qsizetype i = 1; i < rest.size() && end < 0; ++i) {
+                const QChar character = rest.at(i);
+                if (!quote.isNull()) {
+                    if (character == quote) {
+                        quote = QChar();
+                    }
+                } else if (character == u'"' || character == u'\'') {
+                    quote = character;
+                    if (++attributes > XmlDocument::MaximumAttributes) {
+                        return start;
+                    }
+                } else if (character == u'>') {
+                    end = start + i + 1;
+                }
+            }
+        }
+        start = end < 0 ? -1 : text.indexOf(u'<', end);
+    }
+    return -1;
+}
+
+// The streaming pass. False with message and line set if the text is not to be parsed.
+bool check(const QString &text, QString *message, int *line)
+{
+    const qsizetype overloaded = overloadedTag(text);
+    if (overloaded >= 0) {
+        return refuse(QStringLiteral("The element has too many attributes."),
+                      1 + QStringView(text).first(overloaded).count(u'\n'), message, line);
+    }
+    QXmlStreamReader reader(text);
+    const auto refuseHere = [&](const QString &reason) {
+        return refuse(reason, reader.lineNumber(), message, line);
     };
     int depth = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
             if (++depth > XmlDocument::MaximumDepth) {
-                return refuse(QStringLiteral("The elements are nested too deeply."));
+                return refuseHere(QStringLiteral("The elements are nested too deeply."));
             }
             break;
         case QXmlStreamReader::EndElement:
@@ -36,16 +115,20 @@ bool check(const QByteArray &text, QString *message, int *line)
             break;
         case QXmlStreamReader::DTD:
             if (!reader.entityDeclarations().isEmpty()) {
-                return refuse(QStringLiteral("Entity declarations are not allowed."));
+                return refuseHere(QStringLiteral("Entity declarations are not allowed."));
+            }
+            // Their default values would join every element that they name.
+            if (reader.text().contains(QLatin1String("<!ATTLIST"))) {
+                return refuseHere(QStringLiteral("Attribute declarations are not allowed."));
             }
             break;
         case QXmlStreamReader::EntityReference:
-            return refuse(QStringLiteral("Entity references are not allowed."));
+            return refuseHere(QStringLiteral("Entity references are not allowed."));
         default:
             break;
         }
     }
-    return !reader.hasError() || refuse(reader.errorString());
+    return !reader.hasError() || refuseHere(reader.errorString());
 }
 
 } // namespace
@@ -54,14 +137,16 @@ bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString 
 {
     *document = QDomDocument();
     if (text.size() > MaximumBytes) {
-        *message = QStringLiteral("The document is too large.");
-        *line = 1;
+        return refuse(QStringLiteral("The document is too large."), 1, message, line);
+    }
+    QString characters;
+    if (!decode(text, &characters)) {
+        return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
+    }
+    if (!check(characters, message, line)) {
         return false;
     }
-    if (!check(text, message, line)) {
-        return false;
-    }
-    if (!document->setContent(text, true, message, line)) {
+    if (!document->setContent(characters, true, message, line)) {
         *document = QDomDocument();
         return false;
     }
@@ -86,12 +171,11 @@ QString XmlDocument::writable(const QString &text)
 void XmlDocument::appendText(QDomDocument *document, QDomElement *element, const QString &text)
 {
     const QString safe = writable(text);
-    // A carriage return survives only as a character reference, which a section has none of.
+    // What the parser takes for blank, and drops even if it is written as character references. A
+    // section keeps all of it but carriage returns, which come back as line ends.
     const bool isBlank =
-        !safe.isEmpty() && std::all_of(safe.begin(), safe.end(), [](QChar character) {
-            return character == QLatin1Char(' ') || character == QLatin1Char('\t') ||
-                   character == QLatin1Char('\n');
-        });
+        !safe.isEmpty() &&
+        std::all_of(safe.begin(), safe.end(), [](QChar character) { return character.isSpace(); });
     if (isBlank) {
         element->appendChild(document->createCDATASection(safe));
     } else {

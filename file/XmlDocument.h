@@ -14,18 +14,21 @@ namespace XmlDocument
 inline constexpr int MaximumDepth = 64;
 // A bank has some 400 KB. The tree takes many times the text's size.
 inline constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
+// The parser's time grows with the square of an element's attributes. A bank has one.
+inline constexpr int MaximumAttributes = 1000;
 
 // Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
-// declares entities; message and line (from 1) then tell what and where, and the document is empty.
-// Neither pointer may be null.
+// declares entities or attributes; message and line (from 1) then tell what and where, and the
+// document is empty. Neither pointer may be null.
 bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line);
 
 // The text with '?' in place of each character that XML 1.0 forbids, so that what is written can be
 // read back.
 QString writable(const QString &text);
 
-// Appends the text to the element as a text node. Text of blanks alone goes in as a CDATA section,
-// since a parser drops it otherwise.
+// Appends the text to the element as a text node. Text of blanks alone (any of Unicode's) goes in
+// as a CDATA section, since the parser drops it otherwise; its carriage returns come back as line
+// ends.
 void appendText(QDomDocument *document, QDomElement *element, const QString &text);
 
 } // namespace XmlDocument

@@ -64,9 +64,17 @@ void MemController::setParamAddress(ParamAddress *address)
     if (address == nullptr || address == paramAddress.get()) {
         return;
     }
-    const std::unique_ptr<ParamAddress> taken(address);
-    // Into the object in place: the list of observers points to it.
-    changeAddress([&taken](ParamAddress &own) { own = *taken; });
+    std::unique_ptr<ParamAddress> taken(address);
+    std::unique_lock<RecursiveMutex> lock;
+    if (registered && memAPI != nullptr) {
+        lock = std::unique_lock(memAPI->memoryMutex);
+        // The list of observers points to the old one, which ends with this call.
+        memAPI->replaceAddress(paramAddress.get(), taken.get());
+    }
+    paramAddress.swap(taken);
+    if (registered && memAPI != nullptr) {
+        memAPI->notifyObserver(*paramAddress);
+    }
 }
 
 void MemController::setParamAddressNumeric(int bank, int template_, int controller, int parameter)

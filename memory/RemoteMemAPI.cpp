@@ -142,6 +142,16 @@ void RemoteMemAPI::unregistAddress(const ParamAddress *address)
     removeObservers([address](const PairAdrObs &pair) { return &pair.address() == address; });
 }
 
+void RemoteMemAPI::replaceAddress(const ParamAddress *from, ParamAddress *to)
+{
+    const RecursiveMutexLocker lock(memoryMutex);
+    for (PairAdrObs &pair : observers) {
+        if (&pair.address() == from) {
+            pair = PairAdrObs(to, pair.getObserver());
+        }
+    }
+}
+
 template <typename Matches>
 void RemoteMemAPI::notifyMatching(Matches matches)
 {

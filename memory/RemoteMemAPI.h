@@ -68,6 +68,8 @@ public:
     void unregistObserver(MemChangeObserver *observer); // historical spelling
     // Removes every pair with this address object, for an owner about to delete it.
     void unregistAddress(const ParamAddress *address);
+    // Lets every pair with the first address object point to the second, in its place in the order.
+    void replaceAddress(const ParamAddress *from, ParamAddress *to);
     // In the order of registration.
     void notifyObserver(const ParamAddress &address);
     void notifyObserverOfBankAllParam(int bank);
@@ -85,13 +87,15 @@ public:
 
     // What follows each, the condition in brackets:
     //
-    //   call                notified                   file edit flag      library flag  to the
-    //   device copyBank            target bank [always]       target 0 or 1       target 5      -
-    //   copyTemplate        target [if changed]        target 0 or 1       target 5      -
-    //   exchangeTemplate    second, first [if changed] both 0 or 1 [same]  either 5      dumps
-    //   [same] copyController      target [if changed]        target 0 or 1       - knob [same]
-    //   exchangeController  second [if changed]        both 0 or 1 [same]  -             knobs
-    //   [same]
+    // clang-format off
+    //   call                notified                    file edit flag       library flag  sent
+    //   copyBank            target bank, always         target 0 or 1        target 5      -
+    //   copyTemplate        target, if changed          target 0 or 1        target 5      -
+    //   exchangeTemplate *  second place, then first    both 0 or 1          either 5      dumps of bank 0
+    //   copyController *    target                      target 0 or 1        -             knob of bank 0
+    //   exchangeController* second knob                 both 0 or 1          -             knobs of bank 0
+    //   * only if changed
+    // clang-format on
     //
     // The file edit flag rises only while raising is allowed. Bad indices: nothing follows.
     void copyBank(int from, int to);

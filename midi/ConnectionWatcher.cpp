@@ -2,20 +2,8 @@
 #include "midi/ConnectionWatcher.h"
 
 #include "app/Timings.h"
-#include "midi/MPEvent.h"
-#if __has_include("memory/RemoteMemAPI.h")
 #include "memory/RemoteMemAPI.h"
-#else
-// Until the memory is there.
-class RemoteMemAPI
-{
-public:
-    bool isONLINE() const { return false; }
-    bool isWatchPortActivate() const { return false; }
-    void emitPortActivatedSignal() {}
-    bool setONLINEstate(long) { return false; }
-};
-#endif
+#include "midi/MPEvent.h"
 
 #include <QtCore/QTimerEvent>
 

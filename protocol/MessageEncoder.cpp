@@ -19,6 +19,12 @@ constexpr int RemoteNumberLength = 9;
 // bufferingMsg tells messages apart by bytes 1 and 6.
 constexpr std::uint32_t ShortestMessage = 7;
 
+// A byte with bit 7 set would end the message at the receiver.
+bool isDataByte(unsigned char byte)
+{
+    return byte < 0x80;
+}
+
 } // namespace
 
 // The memory's lock, then the queue's: the order on the whole way out.
@@ -70,18 +76,22 @@ void MessageEncoder::fillEvent(tagMPEVENT *event, const std::vector<unsigned cha
 
 std::vector<unsigned char> MessageEncoder::messageStart(unsigned char messageClass) const
 {
-    return {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]};
+    std::vector<unsigned char> message;
+    message.reserve(SysEx::LongestMessage);
+    message.insert(message.end(), {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]});
+    return message;
 }
 
 bool MessageEncoder::createParamChange(tagMPEVENT *event, const unsigned char *address,
                                        const unsigned char *data, int count)
 {
-    if (event == nullptr) {
+    const bool hasData = data != nullptr && count > 0;
+    if (event == nullptr || (hasData && !std::all_of(data, data + count, isDataByte))) {
         return false;
     }
     std::vector<unsigned char> message = messageStart(SysEx::ClassParameterChange);
     message.insert(message.end(), {SysEx::AddressTemplateData, address[0], address[1]});
-    if (data != nullptr && count > 0) {
+    if (hasData) {
         message.insert(message.end(), data, data + count);
     }
     message.push_back(SysEx::End);
@@ -134,8 +144,7 @@ bool MessageEncoder::enqueueParamChange(const ParamAddress &address, int value)
         return false;
     }
     const auto data = static_cast<unsigned char>(value & 0xFF);
-    // A byte with bit 7 set would end the message at the receiver.
-    if (data >= 0x80) {
+    if (!isDataByte(data)) {
         return false;
     }
     return enqueueParamChange(device, &data, 1);
@@ -264,14 +273,12 @@ bool MessageEncoder::bufferingMsg(tagMPEVENT *event)
     }
     if (b6 == SysEx::AddressStoreToFlash && event->length > SysEx::PositionBulkAddress + 2 &&
         bytes[SysEx::PositionBulkAddress + 1] == 0 && bytes[SysEx::PositionBulkAddress + 2] == 0) {
-        if (m_openGroup == nullptr) {
+        // A group that a clearing cut off would bring the rest of a broken dump with it.
+        if (m_openGroup == nullptr || !m_transmitQueue.contains(m_openGroup)) {
             startGroup(false);
-            return true;
-        }
-        m_openGroup->first = false;
-        m_openGroup->second.emplace_back(event);
-        if (!m_transmitQueue.contains(m_openGroup)) {
-            m_transmitQueue.append(m_openGroup);
+        } else {
+            m_openGroup->first = false;
+            m_openGroup->second.emplace_back(event);
         }
         m_openGroup.reset();
         return true;
@@ -320,6 +327,9 @@ void MessageEncoder::clearTransmitQueue(bool takesMutex)
     std::unique_lock<RecursiveMutex> lock(m_queueMutex, std::defer_lock);
     if (takesMutex) {
         lock.lock();
+    }
+    for (const GroupPointer &group : std::as_const(m_transmitQueue)) {
+        group->second.clear(); // the open group lives on, without what it held
     }
     m_transmitQueue.clear();
 }

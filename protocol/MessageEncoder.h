@@ -51,7 +51,8 @@ public:
     bool enqueueParamChange(const ParamAddress &address, const QString &text);
     // address: device mid and low byte. data: count bytes, 0 or more.
     bool enqueueParamChange(const unsigned char *address, const unsigned char *data, int count);
-    // Fills the event; false if it is null. The event then owns its bytes (see OwnedMPEvent).
+    // Fills the event; false if it is null or a data byte is none (above 127). The event then owns
+    // its bytes (see OwnedMPEvent).
     bool createParamChange(tagMPEVENT *event, const unsigned char *address,
                            const unsigned char *data, int count);
     bool sendParamChange(const unsigned char *address, unsigned char value);

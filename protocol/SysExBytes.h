@@ -26,6 +26,9 @@ namespace SysEx
 inline constexpr unsigned char Manufacturer = 0x43;
 inline constexpr unsigned char End = 0xF7;
 
+// The template block's.
+inline constexpr int LongestMessage = 38;
+
 // Class, in the high nibble of byte 1.
 inline constexpr unsigned char ClassBulk = 0x00;
 inline constexpr unsigned char ClassParameterChange = 0x10;

@@ -3,6 +3,7 @@
 
 #include "midi/MidiPortName.h"
 #include "midi/TMIDITransport.h"
+#include "midi/alsa/SequencerRoom.h"
 
 #include <poll.h>
 #include <pthread.h>
@@ -586,6 +587,12 @@ AlsaClient::Outcome AlsaClient::sendEvent(snd_seq_event_t *event, int own, const
     snd_seq_ev_set_dest(event, static_cast<unsigned char>(other.client),
                         static_cast<unsigned char>(other.port));
     snd_seq_ev_set_direct(event);
+    pollfd descriptor{};
+    snd_seq_poll_descriptors(m_output.get(), &descriptor, 1, POLLOUT);
+    const std::size_t length = snd_seq_ev_is_variable(event) ? event->data.ext.len : 0;
+    if (!sequencerHasRoom(descriptor.fd, other.client, length)) {
+        return Outcome::NoRoom;
+    }
     const int written = snd_seq_event_output_direct(m_output.get(), event);
     if (written < 0) {
         return written == -EAGAIN || written == -ENOMEM ? Outcome::NoRoom : Outcome::Refused;

@@ -65,9 +65,9 @@ struct AlsaPort
 // while any of them holds it.
 //
 // It is two sequencer clients. One receives, and listens to the system's announcements, on a thread
-// of its own. The other sends; the sequencer swallows what a receiver has no room for unless the
-// sender asks for its bounces, and having an inbox of its own it finds the bounce of a message
-// there when the call that sent it returns. Events go to their port directly, through no queue.
+// of its own. The other sends, to its port directly and through no queue. The sequencer swallows
+// what a receiver has no room for and empties its whole inbox, so the room is asked for first; if
+// another sender was quicker, the bounce is in the sending client's inbox when the call returns.
 //
 // Threads: send() any, for one port one at a time; everything else one thread, that of the GUI.
 // Locks, outermost first: m_outputMutex, m_portMutex.

@@ -98,7 +98,7 @@ private Q_SLOTS:
     void joinsTwoThreadsUnderItsMutex()
     {
         CircularBuffer ring(64, false);
-        constexpr int total = 20000;
+        constexpr int total = 5000;
         std::thread writer([&] {
             for (int sent = 0; sent < total;) {
                 const std::lock_guard<CircularBuffer::AnyMutex> lock(ring.mutex);

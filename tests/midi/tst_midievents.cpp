@@ -5,7 +5,7 @@
 
 #include <QtTest/QtTest>
 
-#include <atomic>
+#include <future>
 #include <optional>
 #include <random>
 #include <thread>
@@ -414,13 +414,15 @@ private Q_SLOTS:
         BareTransport transport;
         transport.openInput(1, &reader, 0);
         fillRing(transport, reader);
-        std::atomic<bool> isStopped{false};
+        std::promise<void> stopped;
+        auto stoppedFuture = stopped.get_future();
         std::thread stopper([&] {
             // The stop record has its place although the ring takes no event.
             transport.stopPusherThread();
-            isStopped = true;
+            stopped.set_value();
         });
-        QVERIFY(!isStopped);
+        QCOMPARE(stoppedFuture.wait_for(std::chrono::milliseconds(100)),
+                 std::future_status::timeout);
         reader.hold(false);
         stopper.join();
         // Everything in front of the stop record was delivered.
@@ -435,15 +437,16 @@ private Q_SLOTS:
         reader.hold(true);
         transport.feed(hex("FE"));
         QVERIFY(reader.waitEntered(1));
-        std::atomic<bool> isStopped{false};
+        std::promise<void> stopped;
+        auto stoppedFuture = stopped.get_future();
         std::thread stopper([&] {
             transport.stopPusherThread();
-            isStopped = true;
+            stopped.set_value();
         });
-        QVERIFY(!isStopped);
+        QCOMPARE(stoppedFuture.wait_for(std::chrono::milliseconds(100)),
+                 std::future_status::timeout);
         reader.hold(false);
         stopper.join();
-        QVERIFY(isStopped);
         QCOMPARE(reader.events().size(), 1);
     }
 

@@ -1,9 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Locks.h"
+
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QProcess>
-#include <QtCore/QProcessEnvironment>
+
+#include <csignal>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+#ifdef TRN_THREAD_SANITIZER
+// Starting a process is no fork that goes on as this program, as the sanitizer would have it.
+extern "C" __attribute__((used)) inline const char *__tsan_default_options()
+{
+    return "die_after_fork=0";
+}
+#endif
 
 // A JACK server of a test's own, on the dummy driver. Always of one name, since a killed server
 // keeps a slot until one of its name starts again, and never two at a time: the tests that use it
@@ -23,6 +36,8 @@ public:
         qputenv("JACK_NO_AUDIO_RESERVATION", "1");
         m_process.setStandardOutputFile(QProcess::nullDevice());
         m_process.setStandardErrorFile(QProcess::nullDevice());
+        // A test that crashes leaves no server behind for the next one to find.
+        m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     }
     ~JackServer() { stop(); }
     JackServer(const JackServer &) = delete;
@@ -45,12 +60,15 @@ public:
             client.setStandardOutputFile(QProcess::nullDevice());
             client.setStandardErrorFile(QProcess::nullDevice());
             client.start(QStringLiteral("jack_lsp"), {});
-            if (client.waitForFinished(TimeoutMs) && client.exitStatus() == QProcess::NormalExit &&
-                client.exitCode() == 0) {
-                return true;
-            }
+            const bool isAnswered = client.waitForFinished(TimeoutMs) &&
+                                    client.exitStatus() == QProcess::NormalExit &&
+                                    client.exitCode() == 0;
+            // The answer may have been another server's of the name, for which ours gave up.
             if (m_process.waitForFinished(20)) {
                 return false;
+            }
+            if (isAnswered) {
+                return true;
             }
         }
         return false;
@@ -75,6 +93,16 @@ public:
             m_process.waitForFinished(TimeoutMs);
         }
     }
+
+    // Stops it where it is, as a debugger does: connected, and answering nobody. Until thaw().
+    void freeze()
+    {
+        const auto id = static_cast<pid_t>(processId());
+        ::kill(id, SIGSTOP);
+        siginfo_t info;
+        waitid(P_PID, static_cast<id_t>(id), &info, WSTOPPED | WNOWAIT);
+    }
+    void thaw() { ::kill(static_cast<pid_t>(processId()), SIGCONT); }
 
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     qint64 processId() const { return m_process.processId(); }

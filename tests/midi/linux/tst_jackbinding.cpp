@@ -9,7 +9,6 @@
 #include <QtCore/QProcess>
 #include <QtTest/QTest>
 
-#include <csignal>
 #include <memory>
 
 namespace
@@ -570,7 +569,7 @@ void TestJackBinding::aServerThatNoLongerAnswersHoldsUpNobodyForLong()
         JackMIDI output;
         QVERIFY(input.openInput(portNumber(accessor, Input, PeerName), &collector, 0));
         const int number = portNumber(accessor, Output, PeerName);
-        QCOMPARE(::kill(static_cast<pid_t>(m_server.processId()), SIGSTOP), 0);
+        m_server.freeze();
         QElapsedTimer timer;
         timer.start();
         QVERIFY(!output.openOutput(number));
@@ -580,7 +579,7 @@ void TestJackBinding::aServerThatNoLongerAnswersHoldsUpNobodyForLong()
         input.closeInput();
         QVERIFY(timer.elapsed() < JackClient::RequestTimeoutMs + 2000);
     }
-    QCOMPARE(::kill(static_cast<pid_t>(m_server.processId()), SIGCONT), 0);
+    m_server.thaw();
     JackMIDIPortAccessor accessor;
     QTRY_COMPARE_WITH_TIMEOUT(accessor.getNumPorts(Input), 2, ArrivalMs);
     JackMIDI output;

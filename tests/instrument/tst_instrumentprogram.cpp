@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "InstrumentTestTools.h"
+#include "JackPeer.h"
+#include "instrument/InstrumentFile.h"
+#include "tools/JackServer.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+
+#include <csignal>
+
+using namespace EditorSide;
+
+namespace
+{
+
+constexpr int TimeoutMs = 30000;
+const QByteArray Device = QByteArrayLiteral("Corvan TARN/TERN");
+const QByteArray Ack = hex("F0 43 60 02 F7");
+
+// The program under test.
+class Program
+{
+public:
+    ~Program()
+    {
+        if (process.state() != QProcess::NotRunning) {
+            process.kill();
+            process.waitForFinished(TimeoutMs);
+        }
+    }
+    void start(const QStringList &arguments)
+    {
+        process.start(QStringLiteral(TRN_BIN_DIR "/virtual-instrument"), arguments);
+    }
+    // The next line of standard output; empty if none comes.
+    QByteArray line()
+    {
+        while (!process.canReadLine() && process.waitForReadyRead(TimeoutMs)) {
+        }
+        return process.readLine();
+    }
+    bool sendSignal(int signal) const
+    {
+        return ::kill(static_cast<pid_t>(process.processId()), signal) == 0;
+    }
+    // The exit code, -1 for a crash or no end in time.
+    int exitCode()
+    {
+        const bool ended =
+            process.state() == QProcess::NotRunning || process.waitForFinished(TimeoutMs);
+        return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    QProcess process;
+};
+
+InstrumentMemory loaded(const QString &path)
+{
+    InstrumentMemory memory;
+    QString error;
+    if (!InstrumentFile::load(path, &memory, &error)) {
+        memory.currentTemplate = -1;
+    }
+    return memory;
+}
+
+} // namespace
+
+// The program on a real JACK server with the dummy driver.
+class TestInstrumentProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { m_server.stop(); }
+
+    void withoutAServiceItSaysSoAndStartsNone_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("jack") << QStringList{QStringLiteral("--midi"), QStringLiteral("jack")};
+        if (!QFile::exists(QStringLiteral("/dev/snd/seq"))) {
+            QTest::newRow("whatever there is") << QStringList{};
+            QTest::newRow("alsa") << QStringList{QStringLiteral("--midi"), QStringLiteral("alsa")};
+        }
+    }
+    void withoutAServiceItSaysSoAndStartsNone()
+    {
+        QFETCH(QStringList, arguments);
+        Program program;
+        program.start(arguments);
+        QCOMPARE(program.exitCode(), 3);
+        const QByteArray error = program.process.readAllStandardError();
+        QVERIFY(error.startsWith("virtual-instrument: "));
+        QCOMPARE(error.count('\n'), 1); // and not a word from the service's library
+        QCOMPARE(program.process.readAllStandardOutput(), QByteArray());
+    }
+
+    void wrongUsage_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("--nope")};
+        QTest::newRow("unknown service")
+            << QStringList{QStringLiteral("--midi"), QStringLiteral("oss")};
+        QTest::newRow("stray argument") << QStringList{QStringLiteral("file.Q7V")};
+        QTest::newRow("no such fault")
+            << QStringList{QStringLiteral("--fault"), QStringLiteral("drop:footer:51")};
+        QTest::newRow("empty name") << QStringList{QStringLiteral("--name"), QString()};
+    }
+    void wrongUsage()
+    {
+        QFETCH(QStringList, arguments);
+        Program program;
+        program.start(arguments);
+        QCOMPARE(program.exitCode(), 2);
+        QVERIFY(program.process.readAllStandardError().startsWith("virtual-instrument: "));
+    }
+
+    void helpTellsTheFaults()
+    {
+        Program program;
+        program.start({QStringLiteral("--help")});
+        QCOMPARE(program.exitCode(), 0);
+        const QByteArray help = program.process.readAllStandardOutput();
+        QVERIFY(help.contains("--state <FILE.Q7V>"));
+        QVERIFY(help.contains("comeback=MS"));
+    }
+
+    void aDamagedStateIsAnErrorThatSaysWhere()
+    {
+        const QTemporaryDir dir;
+        QFile file(dir.filePath(QStringLiteral("bad.Q7V")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("no xml") > 0);
+        file.close();
+        Program program;
+        program.start({QStringLiteral("--state"), file.fileName()});
+        QCOMPARE(program.exitCode(), 1);
+        QVERIFY(program.process.readAllStandardError().contains("bad.Q7V: Parse error at line 1"));
+    }
+
+    void itsPortsAreNamedAsTheBridgeNamesThem()
+    {
+        QVERIFY(m_server.start());
+        Program program;
+        program.start(
+            {QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--ready")});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        JackPeer peer;
+        QVERIFY(peer.open());
+        QStringList sources;
+        QStringList destinations;
+        for (int n = 1; n <= 5; ++n) {
+            sources.append(QStringLiteral("a2j:Corvan TARN/TERN [20] (capture): Port%1").arg(n));
+            destinations.append(
+                QStringLiteral("a2j:Corvan TARN/TERN [20] (playback): Port%1").arg(n));
+        }
+        QCOMPARE(peer.portsOfTheInstrument(JackPortIsOutput), sources);
+        QCOMPARE(peer.portsOfTheInstrument(JackPortIsInput), destinations);
+
+        QVERIFY(program.sendSignal(SIGINT));
+        QCOMPARE(program.exitCode(), 0);
+        QTRY_COMPARE(peer.portsOfTheInstrument(JackPortIsOutput), QStringList());
+        QCOMPARE(program.process.readAllStandardError(), QByteArray());
+    }
+
+    void itSensesAndServesItsWholeMemoryInOneBurst()
+    {
+        const QTemporaryDir dir;
+        const QString state = dir.filePath(QStringLiteral("state.Q7V"));
+        const QString dumped = dir.filePath(QStringLiteral("dump.Q7V"));
+        const InstrumentMemory memory = randomMemory(21);
+        QString error;
+        QVERIFY2(InstrumentFile::save(state, memory, &error), qPrintable(error));
+
+        QVERIFY(m_server.start());
+        Program program;
+        program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--state"),
+                       state, QStringLiteral("--dump"), dumped});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        JackPeer peer;
+        QVERIFY(peer.open());
+        QVERIFY(peer.connectTo(Device));
+        QTRY_VERIFY_WITH_TIMEOUT(peer.sensing().size() >= 3, TimeoutMs);
+        QCOMPARE(peer.sensing(), QByteArray(peer.sensing().size(), '\xFE'));
+
+        QList<QByteArray> expected;
+        VirtualInstrument model(memory);
+        model.setOutput([&](int, const QByteArray &bytes) { expected.append(bytes); });
+        for (int n = 0; n < 50; ++n) {
+            for (const char type : {'\x60', '\x6F'}) {
+                model.receive(5, bulkRequest(type, n));
+                peer.send(bulkRequest(type, n));
+            }
+        }
+        model.receive(5, request(0x20, 0));
+        peer.send(request(0x20, 0));
+        QTRY_COMPARE_WITH_TIMEOUT(peer.messages().size(), expected.size(), TimeoutMs);
+        QCOMPARE(peer.messages(), expected);
+
+        QVERIFY(program.sendSignal(SIGTERM));
+        QCOMPARE(program.exitCode(), 0);
+        QCOMPARE(loaded(dumped), memory);
+    }
+
+    void itTakesDumpsBackToBackAndDumpsOnRequest()
+    {
+        const QTemporaryDir dir;
+        const QString dumped = dir.filePath(QStringLiteral("dump.Q7V"));
+        QVERIFY(m_server.start());
+        Program program;
+        program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"),
+                       dumped, QStringLiteral("--log"), QStringLiteral("--name"),
+                       QStringLiteral("Other CORVAN TARN/TERN")});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        JackPeer peer;
+        QVERIFY(peer.open());
+        QVERIFY(peer.connectTo("Other CORVAN TARN/TERN"));
+
+        // A twin serves what the program is to take; the model's byte is the direction's.
+        InstrumentMemory memory = randomMemory(22);
+        VirtualInstrument twin(memory);
+        twin.setOutput([&](int, const QByteArray &bytes) {
+            QByteArray wire = bytes;
+            wire[4] = 0x14;
+            peer.send(wire);
+        });
+        for (int n = 0; n < 50; ++n) {
+            twin.receive(5, bulkRequest(0x60, n) + bulkRequest(0x6F, n));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(peer.messages().size(), 100, TimeoutMs);
+        QCOMPARE(peer.messages(), QList<QByteArray>(100, Ack));
+        peer.forget();
+        peer.send(change(0x20, 0, QByteArray(1, static_cast<char>(memory.currentTemplate))));
+        QTRY_COMPARE_WITH_TIMEOUT(peer.messages().size(), 1, TimeoutMs);
+
+        QVERIFY(program.sendSignal(SIGUSR1));
+        QCOMPARE(program.line(), QByteArray("dumped\n"));
+        QCOMPARE(loaded(dumped), memory);
+        peer.forget();
+        peer.send(Store);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            peer.messages(), QList<QByteArray>{hex("F0 43 10 7F 15 01 23 00 00 F7")}, TimeoutMs);
+        QVERIFY(program.sendSignal(SIGTERM));
+        QCOMPARE(program.exitCode(), 0);
+        memory.stored = memory.editBuffer;
+        QCOMPARE(loaded(dumped), memory);
+        const QByteArray log = program.process.readAllStandardError();
+        QVERIFY(log.contains("received port 5  F0 43 10 7F 14 01 22 00 F7  store\n"));
+        QVERIFY(log.contains("sent     port 5  F0 43 60 02 F7  acknowledge\n"));
+        QVERIFY(log.contains("sent     port 1  FE  active sensing\n"));
+    }
+
+    void faultsOfTheCommandLine()
+    {
+        QVERIFY(m_server.start());
+        Program program;
+        program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--fault"),
+                       QStringLiteral("drop:footer:12"), QStringLiteral("--fault"),
+                       QStringLiteral("truncate:header:13")});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        JackPeer peer;
+        QVERIFY(peer.open());
+        QVERIFY(peer.connectTo(Device));
+        peer.send(bulkRequest(0x60, 11));
+        peer.send(bulkRequest(0x60, 12));
+        peer.send(bulkRequest(0x60, 13));
+        // Fourteen without the footer, fourteen behind the cut header, fifteen whole.
+        QTRY_COMPARE_WITH_TIMEOUT(peer.messages().size(), 14 + 14 + 15, TimeoutMs);
+        QCOMPARE(peer.messages().at(42), hex("F0 43 00 7F 15 00 00 0F 60 0D 04 F7"));
+    }
+
+    void aServerThatDiesEndsItWithItsDumpWritten_data()
+    {
+        QTest::addColumn<bool>("killed");
+        QTest::newRow("killed") << true;
+        QTest::newRow("ended") << false;
+    }
+    void aServerThatDiesEndsItWithItsDumpWritten()
+    {
+        QFETCH(bool, killed);
+        const QTemporaryDir dir;
+        const QString dumped = dir.filePath(QStringLiteral("dump.Q7V"));
+        QVERIFY(m_server.start());
+        Program program;
+        program.start(
+            {QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"), dumped});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        if (killed) {
+            m_server.kill();
+        } else {
+            m_server.stop();
+        }
+        QCOMPARE(program.exitCode(), 1);
+        QCOMPARE(program.process.readAllStandardError(),
+                 QByteArray("virtual-instrument: The MIDI service has died.\n"));
+        QCOMPARE(loaded(dumped), InstrumentMemory());
+    }
+
+    void aDumpThatCannotBeWrittenIsAFailure()
+    {
+        const QTemporaryDir dir;
+        QVERIFY(m_server.start());
+        Program program;
+        program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"),
+                       dir.filePath(QStringLiteral("none/dump.Q7V"))});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        QVERIFY(program.sendSignal(SIGTERM));
+        QCOMPARE(program.exitCode(), 1);
+        QVERIFY(program.process.readAllStandardError().contains("Failed in the file writing."));
+    }
+
+private:
+    JackServer m_server;
+};
+
+QTEST_GUILESS_MAIN(TestInstrumentProgram)
+#include "tst_instrumentprogram.moc"
