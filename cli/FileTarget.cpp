@@ -46,6 +46,11 @@ ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 
 ExitCode FileTarget::write(Console *console, const QString &path, const QByteArray &bytes)
 {
+    // A device or a pipe would be replaced, too, by whoever may do that.
+    const ExitCode result = checkWritable(console, path);
+    if (result != ExitCode::Done) {
+        return result;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         return fail(console, path, NotWritten);

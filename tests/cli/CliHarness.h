@@ -13,6 +13,11 @@
 
 #include <initializer_list>
 
+inline QString operator""_q(const char *text, std::size_t length)
+{
+    return QString::fromUtf8(text, static_cast<qsizetype>(length));
+}
+
 // A word of a command line, from a literal or a text.
 struct Word
 {

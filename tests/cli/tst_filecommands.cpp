@@ -8,9 +8,10 @@
 #include <QtCore/QJsonArray>
 #include <QtTest/QtTest>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <csignal>
 #include <memory>
 
 // The commands on files: show, get, set, check, diff, and bad input to all that read one.
@@ -31,7 +32,8 @@ private Q_SLOTS:
     void refusedValuesNameTheLimit();
     void refusedAddresses_data();
     void refusedAddresses();
-    void setOnAFileThatCantBeWritten();
+    void aFullDiskLeavesTheOldFile();
+    void exportOntoWhatIsNoPlainFileIsRefused();
     void checkTellsEachFile();
     void diffOfEqualFilesIsSilent();
     void diffNamesEachParameter();
@@ -63,37 +65,36 @@ void TestFileCommands::showAsJsonHasTheWholeDocument()
 {
     QCOMPARE(m_cli->run({"show", file(), "--json"}), 0);
     const QJsonObject root = m_cli->json();
-    QCOMPARE(root.keys(), QStringList({"currentTemplate"_qs, "edit"_qs, "stored"_qs}));
-    QCOMPARE(root.value("currentTemplate"_qs).toInt(), m_memory.currentTemplate + 1);
-    for (const QString &bank : {"edit"_qs, "stored"_qs}) {
+    QCOMPARE(root.keys(), QStringList({"currentTemplate"_q, "edit"_q, "stored"_q}));
+    QCOMPARE(root.value("currentTemplate"_q).toInt(), m_memory.currentTemplate + 1);
+    for (const QString &bank : {"edit"_q, "stored"_q}) {
         const QJsonArray templates = root.value(bank).toArray();
         QCOMPARE(templates.size(), 50);
-        const InstrumentBank &expected = bank == "edit"_qs ? m_memory.editBuffer : m_memory.stored;
+        const InstrumentBank &expected = bank == "edit"_q ? m_memory.editBuffer : m_memory.stored;
         for (int number = 0; number < 50; ++number) {
             const InstrumentTemplate &source = expected[static_cast<std::size_t>(number)];
             const QJsonObject object = templates.at(number).toObject();
-            QCOMPARE(object.keys(), QStringList({"controlType"_qs, "knobs"_qs, "number"_qs,
-                                                 "templateName"_qs, "vstiName"_qs}));
-            QCOMPARE(object.value("number"_qs).toInt(), number + 1);
-            QCOMPARE(object.value("templateName"_qs).toString().toLatin1(),
+            QCOMPARE(object.keys(), QStringList({"controlType"_q, "knobs"_q, "number"_q,
+                                                 "templateName"_q, "vstiName"_q}));
+            QCOMPARE(object.value("number"_q).toInt(), number + 1);
+            QCOMPARE(object.value("templateName"_q).toString().toLatin1(),
                      source.templateName.trimmed());
-            QCOMPARE(object.value("vstiName"_qs).toString().toLatin1(), source.vstiName.trimmed());
-            QCOMPARE(object.value("controlType"_qs).toInt(), int(source.controlType));
-            const QJsonArray knobs = object.value("knobs"_qs).toArray();
+            QCOMPARE(object.value("vstiName"_q).toString().toLatin1(), source.vstiName.trimmed());
+            QCOMPARE(object.value("controlType"_q).toInt(), int(source.controlType));
+            const QJsonArray knobs = object.value("knobs"_q).toArray();
             QCOMPARE(knobs.size(), 12);
             for (int knob = 0; knob < 12; ++knob) {
                 const InstrumentKnob &from = source.knobs[static_cast<std::size_t>(knob)];
                 const QJsonObject shown = knobs.at(knob).toObject();
-                QCOMPARE(shown.keys(),
-                         QStringList({"ccNumber"_qs, "displayFormat"_qs, "displayName"_qs,
-                                      "knob"_qs, "remoteNumber"_qs}));
-                QCOMPARE(shown.value("knob"_qs).toString(),
+                QCOMPARE(shown.keys(), QStringList({"ccNumber"_q, "displayFormat"_q,
+                                                    "displayName"_q, "knob"_q, "remoteNumber"_q}));
+                QCOMPARE(shown.value("knob"_q).toString(),
                          QLatin1String(LCDSelectAddressUpper[knob]));
-                QCOMPARE(shown.value("displayName"_qs).toString().toLatin1(),
+                QCOMPARE(shown.value("displayName"_q).toString().toLatin1(),
                          from.displayName.trimmed());
-                QCOMPARE(shown.value("ccNumber"_qs).toInt(), int(from.ccNumber));
-                QCOMPARE(shown.value("displayFormat"_qs).toInt(), int(from.displayFormat));
-                QCOMPARE(shown.value("remoteNumber"_qs).toString().toLatin1(),
+                QCOMPARE(shown.value("ccNumber"_q).toInt(), int(from.ccNumber));
+                QCOMPARE(shown.value("displayFormat"_q).toInt(), int(from.displayFormat));
+                QCOMPARE(shown.value("remoteNumber"_q).toString().toLatin1(),
                          from.remoteId.trimmed());
             }
         }
@@ -103,10 +104,10 @@ void TestFileCommands::showAsJsonHasTheWholeDocument()
 void TestFileCommands::showAsJsonOfOneTemplate()
 {
     QCOMPARE(m_cli->run({"show", file(), "--json", "--template", "13"}), 0);
-    for (const QString &bank : {"edit"_qs, "stored"_qs}) {
+    for (const QString &bank : {"edit"_q, "stored"_q}) {
         const QJsonArray templates = m_cli->json().value(bank).toArray();
         QCOMPARE(templates.size(), 1);
-        QCOMPARE(templates.first().toObject().value("number"_qs).toInt(), 13);
+        QCOMPARE(templates.first().toObject().value("number"_q).toInt(), 13);
     }
 }
 
@@ -199,10 +200,10 @@ void TestFileCommands::refusedValuesNameTheLimit()
     QFETCH(QString, address);
     QFETCH(QString, value);
     QFETCH(QByteArray, limit);
-    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    const QByteArray before = m_cli->read("a.Q7V"_q);
     QCOMPARE(m_cli->run({"set", file(), address, value}), 1);
     QVERIFY2(m_cli->err.contains(limit), m_cli->err.constData());
-    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
 }
 
 void TestFileCommands::refusedAddresses_data()
@@ -221,34 +222,56 @@ void TestFileCommands::refusedAddresses_data()
 void TestFileCommands::refusedAddresses()
 {
     QFETCH(QString, address);
-    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    const QByteArray before = m_cli->read("a.Q7V"_q);
     QCOMPARE(m_cli->run({"get", file(), address}), 1);
     QVERIFY2(m_cli->err.contains("is no address: "), m_cli->err.constData());
     QCOMPARE(m_cli->run({"set", file(), address, "1"}), 1);
     QVERIFY(m_cli->err.contains("is no address: "));
-    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
 }
 
-void TestFileCommands::setOnAFileThatCantBeWritten()
+void TestFileCommands::aFullDiskLeavesTheOldFile()
 {
-    if (geteuid() == 0) {
-        // Nothing is unwritable for root but a file system that is full.
-        QVERIFY(QFile::link("/dev/full"_qs, other()));
-        QCOMPARE(m_cli->run({"export", file(), other()}), 1);
-    } else {
-        QVERIFY(QFile::setPermissions(file(), QFile::ReadOwner));
-        QCOMPARE(m_cli->run({"set", file(), "edit/1/controlType", "1"}), 1);
+    QVERIFY(QFile::copy(file(), other()));
+    const QByteArray before = m_cli->read("a.Q7V"_q);
+    rlimit old{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &old), 0);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{10000, old.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const int setCode = m_cli->run({"set", file(), "edit/1/templateName", "changed"});
+    const QByteArray setError = m_cli->err;
+    const int exportCode = m_cli->run({"export", file(), other()});
+    const QByteArray exportError = m_cli->err;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &old), 0);
+    QCOMPARE(setCode, 1);
+    QVERIFY2(setError.contains("Failed in the file writing."), setError.constData());
+    QCOMPARE(exportCode, 1);
+    QVERIFY2(exportError.contains("Failed in the file writing."), exportError.constData());
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
+    QCOMPARE(m_cli->read("b.Q7V"_q), before);
+}
+
+void TestFileCommands::exportOntoWhatIsNoPlainFileIsRefused()
+{
+    const QString pipe = m_cli->path("pipe"_q);
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &target : {pipe, m_cli->path("."_q), m_cli->path("none/out.syx"_q)}) {
+        QCOMPARE(m_cli->run({"export", file(), target}), 1);
+        QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
     }
-    QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
+    struct stat status = {};
+    QCOMPARE(stat(QFile::encodeName(pipe).constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
 }
 
 void TestFileCommands::checkTellsEachFile()
 {
-    QVERIFY(m_cli->write("bad"_qs, "nonsense"));
-    const QString bad = m_cli->path("bad"_qs);
+    QVERIFY(m_cli->write("bad"_q, "nonsense"));
+    const QString bad = m_cli->path("bad"_q);
     QCOMPARE(m_cli->run({"check", file()}), 0);
     QVERIFY(m_cli->err.isEmpty());
-    QCOMPARE(m_cli->run({"check", bad, file(), m_cli->path("none"_qs)}), 1);
+    QCOMPARE(m_cli->run({"check", bad, file(), m_cli->path("none"_q)}), 1);
     const QList<QByteArray> lines = m_cli->err.trimmed().split('\n');
     QCOMPARE(lines.size(), 2);
     QVERIFY(lines.at(0).startsWith(bad.toUtf8() + ": Parse error at line 1. ("));
@@ -270,7 +293,7 @@ void TestFileCommands::diffNamesEachParameter()
     changed.editBuffer[0].controlType ^= 1;
     changed.stored[49].knobs[11].displayName.set("changed");
     changed.stored[49].knobs[11].remoteId.set("1");
-    QVERIFY(writeFile("b.Q7V"_qs, changed));
+    QVERIFY(writeFile("b.Q7V"_q, changed));
     QCOMPARE(m_cli->run({"diff", file(), other()}), 1);
     const QList<QByteArray> lines = m_cli->out.trimmed().split('\n');
     QCOMPARE(lines.size(), 3);
@@ -284,10 +307,10 @@ void TestFileCommands::diffNamesEachParameter()
 void TestFileCommands::aValueThatALoadRefusesIsNotTakenFromTheOtherFile()
 {
     QCOMPARE(m_cli->run({"set", file(), "edit/1/knobA1/ccNumber", "77"}), 0);
-    QByteArray bytes = m_cli->read("a.Q7V"_qs);
+    QByteArray bytes = m_cli->read("a.Q7V"_q);
     const qsizetype place = bytes.indexOf("<ccnumber>77<", bytes.indexOf("<editBuffTemplate1>"));
     QVERIFY(place > 0);
-    QVERIFY(m_cli->write("b.Q7V"_qs, bytes.replace(place, 13, "<ccnumber>200<")));
+    QVERIFY(m_cli->write("b.Q7V"_q, bytes.replace(place, 13, "<ccnumber>200<")));
     QCOMPARE(m_cli->run({"diff", file(), other()}), 1);
     QVERIFY(m_cli->out.startsWith("edit/1/knobA1/ccNumber: 77 -> "));
 }
@@ -318,41 +341,41 @@ void TestFileCommands::badInputIsRefusedWithTheLoadsText()
 {
     QFETCH(QString, kind);
     QFETCH(QByteArray, text);
-    const QByteArray good = m_cli->read("a.Q7V"_qs);
-    const QString bad = "bad.Q7V"_qs;
+    const QByteArray good = m_cli->read("a.Q7V"_q);
+    const QString bad = "bad.Q7V"_q;
     bool isWritten = true;
-    if (kind == "a folder given as a file"_qs) {
+    if (kind == "a folder given as a file"_q) {
         isWritten = QDir().mkdir(m_cli->path(bad));
-    } else if (kind == "a pipe given as a file"_qs) {
+    } else if (kind == "a pipe given as a file"_q) {
         isWritten = mkfifo(QFile::encodeName(m_cli->path(bad)).constData(), 0600) == 0;
-    } else if (kind != "missing"_qs) {
+    } else if (kind != "missing"_q) {
         QByteArray bytes;
-        if (kind == "binary"_qs) {
+        if (kind == "binary"_q) {
             bytes = QByteArray::fromHex("00ff7f454c46f043").repeated(512);
-        } else if (kind == "truncated"_qs) {
+        } else if (kind == "truncated"_q) {
             bytes = good.left(good.size() / 2);
-        } else if (kind == "damaged"_qs) {
+        } else if (kind == "damaged"_q) {
             bytes = QByteArray(good).replace("</knobB2>", "</knobB3>");
-        } else if (kind == "deeply nested"_qs) {
+        } else if (kind == "deeply nested"_q) {
             bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile>" + QByteArray("<a>").repeated(200000);
-        } else if (kind == "entity bomb"_qs) {
+        } else if (kind == "entity bomb"_q) {
             bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile [<!ENTITY a \"aaaaaaaaaa\">"
                     "<!ENTITY b \"&a;&a;&a;&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;\">]>"
                     "<bank version=\"1.0\">&c;</bank>";
-        } else if (kind == "huge"_qs) {
+        } else if (kind == "huge"_q) {
             bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile><bank version=\"1.0\">" +
                     QByteArray(64 * 1024 * 1024, 'x');
-        } else if (kind == "another document"_qs) {
+        } else if (kind == "another document"_q) {
             bytes = "<!DOCTYPE html><bank version=\"1.0\"/>";
-        } else if (kind == "another version"_qs) {
+        } else if (kind == "another version"_q) {
             bytes = QByteArray(good).replace("version=\"1.0\"", "version=\"1.1\"");
-        } else if (kind == "a part is missing"_qs) {
+        } else if (kind == "a part is missing"_q) {
             bytes = QByteArray(good).replace("bankInfo", "other");
         }
         isWritten = m_cli->write(bad, bytes);
     }
     QVERIFY(isWritten);
-    const QByteArray before = m_cli->read(bad == "a pipe"_qs ? QString() : "a.Q7V"_qs);
+    const QByteArray before = m_cli->read("a.Q7V"_q);
     const QString path = m_cli->path(bad);
     const auto isTold = [&] {
         return m_cli->err.startsWith(path.toUtf8() + ": ") && m_cli->err.contains(text) &&
@@ -366,16 +389,16 @@ void TestFileCommands::badInputIsRefusedWithTheLoadsText()
     QVERIFY(isTold());
     QCOMPARE(m_cli->run({"set", path, "edit/1/templateName", "x"}), 1);
     QVERIFY(isTold());
-    QCOMPARE(m_cli->run({"export", path, m_cli->path("out.syx"_qs)}), 1);
+    QCOMPARE(m_cli->run({"export", path, m_cli->path("out.syx"_q)}), 1);
     QVERIFY(isTold());
-    QVERIFY(!m_cli->exists("out.syx"_qs));
+    QVERIFY(!m_cli->exists("out.syx"_q));
     QCOMPARE(m_cli->run({"diff", file(), path}), 1);
     QVERIFY(isTold());
     QCOMPARE(m_cli->run({"send", path}), 1);
     QVERIFY(isTold());
     QCOMPARE(m_cli->run({"verify", path}), 1);
     QVERIFY(isTold());
-    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+    QCOMPARE(m_cli->read("a.Q7V"_q), before);
 }
 
 QTEST_GUILESS_MAIN(TestFileCommands)

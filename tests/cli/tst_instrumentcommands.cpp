@@ -7,6 +7,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonArray>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QTimer>
 #include <QtTest/QtTest>
 
@@ -19,6 +20,7 @@ class TestInstrumentCommands : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void init();
     void cleanup();
     void portsTellsTheInstruments();
@@ -73,6 +75,12 @@ private:
     std::unique_ptr<CliHarness> m_cli;
     std::unique_ptr<LoopbackInstrument> m_loopback;
 };
+
+void TestInstrumentCommands::initTestCase()
+{
+    // As the program, and lest a few thousand of the engine's debug lines hide the results.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+}
 
 void TestInstrumentCommands::init()
 {
@@ -272,7 +280,6 @@ void TestInstrumentCommands::faultsOfAReceive_data()
     };
     row("a late message", "delay=20:block3:stored:7", 0);
     row("a footer that comes twice", "duplicate:footer:stored:7", 0);
-    row("everything twice", "duplicate", 0);
     row("a block that comes twice", "duplicate:block3:edit:7", 0);
     row("a lost block", "drop:block3:stored:7", 4, "stored 7");
     row("a lost header", "drop:header:edit:7", 4, "edit buffer 7");
@@ -335,12 +342,13 @@ void TestInstrumentCommands::faultsOfASend()
     QVERIFY(m_loopback->setFault(fault));
     QVERIFY(writeFile(QStringLiteral("a.Q7V"), 5));
     const QString timeout = code == 4 ? QStringLiteral("1") : QStringLiteral("60");
-    QCOMPARE(m_cli->run({"send", file(), "--verify", "--timeout", timeout}), code);
+    const int result = m_cli->run({"send", file(), "--verify", "--timeout", timeout});
+    QVERIFY2(result == code, m_cli->err.constData());
     if (code == 4) {
         QVERIFY2(m_cli->err.contains("Sending timed out"), m_cli->err.constData());
         m_loopback->instrument.comeBack();
         QVERIFY(m_loopback->setFault(QString()));
-        QCOMPARE(m_cli->run({"send", file(), "--verify"}), 0);
+        QVERIFY2(m_cli->run({"send", file(), "--verify"}) == 0, m_cli->err.constData());
     }
 }
 

@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "instrument/InstrumentFile.h"
+#include "instrument/InstrumentTestTools.h"
+#include "tools/JackServer.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <csignal>
+#include <memory>
+
+// The programs themselves, over a real JACK server.
+
+namespace
+{
+
+constexpr int LimitMs = 90000;
+
+QString program(const char *name)
+{
+    return QStringLiteral(TRN_BIN_DIR "/") + QLatin1String(name);
+}
+
+} // namespace
+
+class TestTrnRemoteJack : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void withoutAServerThereIsNoInstrument();
+    void withoutAnInstrumentThePortsAreEmpty();
+    void theWholeJob();
+    void faults_data();
+    void faults();
+    void theServerKilledInTheMiddle_data();
+    void theServerKilledInTheMiddle();
+    void aSignalEndsARunInOrder_data();
+    void aSignalEndsARunInOrder();
+    void monitorEndsWithCtrlC();
+
+private:
+    struct Ended
+    {
+        int code = -1;
+        QByteArray out;
+        QByteArray err;
+    };
+    bool startInstrument(const QStringList &faults = {})
+    {
+        QStringList words{QStringLiteral("--midi"),  QStringLiteral("jack"),
+                          QStringLiteral("--state"), path("state.Q7V"),
+                          QStringLiteral("--dump"),  path("held.Q7V"),
+                          QStringLiteral("--log")};
+        for (const QString &fault : faults) {
+            words << QStringLiteral("--fault") << fault;
+        }
+        m_instrument = std::make_unique<QProcess>();
+        m_instrument->setStandardErrorFile(path("log"));
+        m_instrument->start(program("virtual-instrument"), words);
+        while (m_instrument->waitForReadyRead(LimitMs)) {
+            if (m_instrument->readAllStandardOutput().contains("ready")) {
+                return true;
+            }
+        }
+        return false;
+    }
+    bool stopInstrument()
+    {
+        m_instrument->terminate();
+        return m_instrument->waitForFinished(LimitMs) && m_instrument->exitCode() == 0;
+    }
+    Ended run(const QString &line)
+    {
+        QProcess process;
+        QStringList words{QStringLiteral("--midi"), QStringLiteral("jack")};
+        words << line.split(QLatin1Char(' '));
+        process.setWorkingDirectory(m_folder->path());
+        process.start(program("trn-remote"), words);
+        if (!process.waitForFinished(LimitMs)) {
+            process.kill();
+            process.waitForFinished();
+            return {};
+        }
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2,
+                process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+    std::unique_ptr<QProcess> startRun(const QString &line)
+    {
+        auto process = std::make_unique<QProcess>();
+        process->setWorkingDirectory(m_folder->path());
+        QStringList words{QStringLiteral("--midi"), QStringLiteral("jack")};
+        words << line.split(QLatin1Char(' '));
+        process->start(program("trn-remote"), words);
+        return process;
+    }
+    // Whether the instrument has fallen silent, in the middle of a run.
+    bool isSilent() const
+    {
+        QFile log(path("log"));
+        return log.open(QIODevice::ReadOnly) && log.readAll().contains("silent from here on");
+    }
+    QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
+    InstrumentMemory contents(const char *name) const
+    {
+        InstrumentMemory memory;
+        QString error;
+        return InstrumentFile::load(path(name), &memory, &error) ? memory : InstrumentMemory();
+    }
+
+    InstrumentMemory m_memory;
+    JackServer m_server;
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<QProcess> m_instrument;
+};
+
+void TestTrnRemoteJack::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_memory = randomMemory(41);
+    QString error;
+    QVERIFY(InstrumentFile::save(path("state.Q7V"), m_memory, &error));
+    QVERIFY(InstrumentFile::save(path("other.Q7V"), randomMemory(42), &error));
+}
+
+void TestTrnRemoteJack::cleanup()
+{
+    if (m_instrument != nullptr && m_instrument->state() != QProcess::NotRunning) {
+        m_instrument->terminate();
+        if (!m_instrument->waitForFinished(LimitMs)) {
+            m_instrument->kill();
+            m_instrument->waitForFinished();
+        }
+    }
+    m_instrument.reset();
+}
+
+void TestTrnRemoteJack::withoutAServerThereIsNoInstrument()
+{
+    m_server.stop();
+    Ended ended = run(QStringLiteral("ports --json"));
+    QCOMPARE(ended.code, 0);
+    QVERIFY(ended.err.isEmpty());
+    QVERIFY(ended.out.contains("\"instruments\""));
+    ended = run(QStringLiteral("receive a.Q7V"));
+    QCOMPARE(ended.code, 3);
+    QCOMPARE(ended.err, QByteArray("trn-remote: No instrument was found among the MIDI ports.\n"));
+    QVERIFY(!QFile::exists(path("a.Q7V")));
+}
+
+void TestTrnRemoteJack::withoutAnInstrumentThePortsAreEmpty()
+{
+    QVERIFY(m_server.start());
+    QCOMPARE(run(QStringLiteral("send other.Q7V")).code, 3);
+}
+
+void TestTrnRemoteJack::theWholeJob()
+{
+    QVERIFY(m_server.start());
+    QVERIFY(startInstrument());
+    QVERIFY(run(QStringLiteral("ports --json")).out.contains("Corvan TARN/TERN"));
+    Ended ended = run(QStringLiteral("receive a.Q7V"));
+    QVERIFY2(ended.code == 0, ended.err.constData());
+    QVERIFY(ended.err.isEmpty());
+    QVERIFY(contents("a.Q7V") == m_memory);
+    QCOMPARE(run(QStringLiteral("set other.Q7V edit/13/knobA1/ccNumber 74")).code, 0);
+    ended = run(QStringLiteral("send other.Q7V --backup before.Q7V --verify"));
+    QVERIFY2(ended.code == 0, ended.err.constData());
+    QVERIFY(contents("before.Q7V") == m_memory);
+    ended = run(QStringLiteral("verify other.Q7V"));
+    QVERIFY2(ended.code == 0, ended.err.constData());
+    QVERIFY(run(QStringLiteral("verify a.Q7V")).code == 1);
+    ended = run(QStringLiteral("send a.Q7V --edit-buffer-only --store"));
+    QVERIFY2(ended.code == 0, ended.err.constData());
+    QVERIFY(stopInstrument());
+    QVERIFY(contents("held.Q7V").editBuffer == m_memory.editBuffer);
+    QVERIFY(contents("held.Q7V").stored == m_memory.editBuffer);
+}
+
+void TestTrnRemoteJack::faults_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("code");
+    const auto row = [](const char *name, const char *fault, const char *line, int code) {
+        QTest::newRow(name) << QString::fromLatin1(fault) << QString::fromLatin1(line) << code;
+    };
+    row("receive, delay", "delay=200:block3:7", "receive a.Q7V", 0);
+    row("receive, duplicate", "duplicate:footer:stored:7", "receive a.Q7V", 0);
+    row("receive, drop", "drop:block3:stored:7", "receive a.Q7V", 4);
+    row("receive, drop a footer", "drop:footer:stored:7", "receive a.Q7V --timeout 5", 4);
+    row("receive, corrupt", "corrupt:block3:edit:7", "receive a.Q7V", 4);
+    row("receive, truncate", "truncate:block3:stored:7", "receive a.Q7V", 4);
+    row("receive, shorten", "shorten:block3:stored:7", "receive a.Q7V", 4);
+    row("receive, silent", "silent:after:200", "receive a.Q7V --timeout 5", 4);
+    row("send, delay", "delay=200:ack:edit:7", "send other.Q7V --verify", 0);
+    row("send, duplicate", "duplicate:ack:#5", "send other.Q7V --verify", 0);
+    row("send, drop", "drop:ack:#5", "send other.Q7V --timeout 5", 4);
+    row("send, corrupt at the instrument", "in:corrupt:block3:#5", "send other.Q7V --verify", 1);
+    row("send, truncate", "truncate:ack:#5", "send other.Q7V --timeout 5", 4);
+    row("send, silent", "silent:after:5", "send other.Q7V --timeout 5", 4);
+}
+
+void TestTrnRemoteJack::faults()
+{
+    QFETCH(QString, fault);
+    QFETCH(QString, line);
+    QFETCH(int, code);
+    QVERIFY(m_server.start());
+    // It comes back, and must then serve the next run as if nothing had been.
+    QVERIFY(startInstrument({fault, QStringLiteral("comeback=1000")}));
+    const Ended ended = run(line);
+    QVERIFY2(ended.code == code, ended.err.constData());
+    QCOMPARE(QFile::exists(path("a.Q7V")), code == 0 && line.startsWith(QStringLiteral("receive")));
+    QVERIFY(ended.code == 0 || !ended.err.isEmpty());
+    if (fault.startsWith(QStringLiteral("silent"))) {
+        const Ended again = run(QStringLiteral("send other.Q7V --verify"));
+        QVERIFY2(again.code == 0, again.err.constData());
+    }
+    QVERIFY(stopInstrument());
+}
+
+void TestTrnRemoteJack::theServerKilledInTheMiddle_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("receive") << QStringLiteral("receive a.Q7V --timeout 10");
+    QTest::newRow("send") << QStringLiteral("send other.Q7V --timeout 10");
+}
+
+void TestTrnRemoteJack::theServerKilledInTheMiddle()
+{
+    QFETCH(QString, line);
+    QVERIFY(m_server.start());
+    QVERIFY(startInstrument({QStringLiteral("silent:after:20")}));
+    const std::unique_ptr<QProcess> process = startRun(line);
+    QVERIFY(process->waitForStarted(LimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    m_server.kill();
+    QVERIFY(process->waitForFinished(30000));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 4);
+    QVERIFY(!process->readAllStandardError().isEmpty());
+    QVERIFY(!QFile::exists(path("a.Q7V")));
+}
+
+void TestTrnRemoteJack::aSignalEndsARunInOrder_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestTrnRemoteJack::aSignalEndsARunInOrder()
+{
+    QFETCH(int, signal);
+    QVERIFY(m_server.start());
+    QVERIFY(startInstrument({QStringLiteral("silent:after:20"), QStringLiteral("comeback=1")}));
+    const std::unique_ptr<QProcess> process = startRun(QStringLiteral("receive a.Q7V"));
+    QVERIFY(process->waitForStarted(LimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(::kill(static_cast<pid_t>(process->processId()), signal), 0);
+    QVERIFY(process->waitForFinished(LimitMs));
+    QVERIFY(clock.elapsed() < 10000);
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 4);
+    QVERIFY(process->readAllStandardError().contains("interrupted"));
+    // The server is as good as before.
+    const Ended ended = run(QStringLiteral("receive a.Q7V"));
+    QVERIFY2(ended.code == 0, ended.err.constData());
+}
+
+void TestTrnRemoteJack::monitorEndsWithCtrlC()
+{
+    QVERIFY(m_server.start());
+    QVERIFY(startInstrument());
+    const std::unique_ptr<QProcess> process = startRun(QStringLiteral("monitor"));
+    QByteArray out;
+    while (!out.contains("active sensing begins") && process->waitForReadyRead(LimitMs)) {
+        out += process->readAllStandardOutput();
+    }
+    QVERIFY(out.contains("active sensing begins"));
+    QCOMPARE(::kill(static_cast<pid_t>(process->processId()), SIGINT), 0);
+    QVERIFY(process->waitForFinished(LimitMs));
+    QCOMPARE(process->exitCode(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestTrnRemoteJack)
+#include "tst_trnremote_jack.moc"
