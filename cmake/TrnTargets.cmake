@@ -22,6 +22,15 @@ if(TRN_COVERAGE)
     target_link_options(trn_options INTERFACE --coverage)
 endif()
 
+# Parsing Qt's headers is most of a test's compile time. They are compiled once for all tests, which
+# therefore share one set of definitions.
+function(trn_test_options TARGET)
+    target_compile_definitions(${TARGET} PRIVATE
+        TRN_BIN_DIR="${CMAKE_BINARY_DIR}/bin" TRN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+    target_include_directories(${TARGET} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
+    target_link_libraries(${TARGET} PRIVATE trn_engine)
+endfunction()
+
 # trn_test(NAME SOURCES file... [BINDING target] [LIBRARIES target...] [LABELS label...]
 #          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...])
 # One QtTest executable, run with a home of its own, so that no test reads or writes a user's
@@ -37,13 +46,12 @@ function(trn_test NAME)
     endif()
     add_executable(${NAME} ${T_SOURCES})
     set_target_properties(${NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/tests)
-    target_compile_definitions(${NAME} PRIVATE
-        TRN_BIN_DIR="${CMAKE_BINARY_DIR}/bin" TRN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
-    target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
+    target_precompile_headers(${NAME} REUSE_FROM trn_test_headers)
     if(NOT T_BINDING STREQUAL "NONE")
         target_link_libraries(${NAME} PRIVATE ${T_BINDING})
     endif()
-    target_link_libraries(${NAME} PRIVATE ${T_LIBRARIES} trn_engine Qt6::Test)
+    target_link_libraries(${NAME} PRIVATE ${T_LIBRARIES} Qt6::Test)
+    trn_test_options(${NAME})
     if(T_DEPENDS)
         add_dependencies(${NAME} ${T_DEPENDS})
     endif()

@@ -11,8 +11,7 @@
 std::atomic<std::uint64_t> ComuController::s_timeCounter{0};
 
 ComuController::ComuController(SysExParamChangeAddressTransTable *sysExTable)
-    : m_portAccessor(MIDIPortAccessor())
-    , m_mapMutex(std::make_unique<RecursiveMutex>())
+    : m_mapMutex(std::make_unique<RecursiveMutex>())
     , m_spareMutex(std::make_unique<RecursiveMutex>())
     , m_sysExTable(sysExTable)
 {
@@ -21,6 +20,14 @@ ComuController::ComuController(SysExParamChangeAddressTransTable *sysExTable)
 ComuController::~ComuController()
 {
     CloseAllOpendPortAndDeleteAllTransporters();
+}
+
+TUniMIDIPortAccessor *ComuController::portAccessor()
+{
+    if (m_portAccessor == nullptr) {
+        m_portAccessor.reset(MIDIPortAccessor());
+    }
+    return m_portAccessor.get();
 }
 
 std::uint32_t ComuController::midiOutDispatch(const tagMPEVENT &event, _MPASYNC_MODE mode)
@@ -66,6 +73,8 @@ bool ComuController::requestPort(int isOutput, int port, int filterType,
     if (port == 0) {
         return false;
     }
+    // A binding's transports may live on what its catalogue holds open.
+    portAccessor();
     if (isOutput == 0) {
         if (m_midiInTransporters.contains(port)) {
             return true;
@@ -145,14 +154,14 @@ bool ComuController::setMessageProcessorAndOpenPort(MessageProcessor *processor)
 
 QStringList ComuController::getInputPortList()
 {
-    m_portAccessor->updatePortInfo();
-    return m_portAccessor->getInputPortList();
+    portAccessor()->updatePortInfo();
+    return portAccessor()->getInputPortList();
 }
 
 QStringList ComuController::getOutputPortList()
 {
-    m_portAccessor->updatePortInfo();
-    return m_portAccessor->getOutputPortList();
+    portAccessor()->updatePortInfo();
+    return portAccessor()->getOutputPortList();
 }
 
 void ComuController::CloseAllOpendPortAndDeleteAllTransporters()

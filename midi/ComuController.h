@@ -37,7 +37,9 @@ public:
     ~ComuController() override;
 
     // Not owned by the caller.
-    TUniMIDIPortAccessor *portAccessor() const { return m_portAccessor.get(); }
+    // Made when it is first needed, since making it asks the platform's service for its ports, and
+    // who only works on files has no use for that.
+    TUniMIDIPortAccessor *portAccessor();
 
     // Running number of input events over all ports. Two pusher threads may collide on it; nothing
     // depends on the number.
@@ -60,7 +62,7 @@ public Q_SLOTS:
     void CloseAllOpendPortAndDeleteAllTransporters(); // historical spelling
 
 private:
-    std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor;
+    std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor; // null until first needed
     QMap<int, TAppMIDIIn *> m_midiInTransporters;   // owned; GUI thread only
     QMap<int, TAppMIDIOut *> m_midiOutTransporters; // owned; guarded by m_mapMutex
     // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that

@@ -155,13 +155,13 @@ void TestTrnRemoteJack::withoutAServerThereIsNoInstrument()
 
 void TestTrnRemoteJack::withoutAnInstrumentThePortsAreEmpty()
 {
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QCOMPARE(run(QStringLiteral("send other.Q7V")).code, 3);
 }
 
 void TestTrnRemoteJack::theWholeJob()
 {
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QVERIFY(startInstrument());
     QVERIFY(run(QStringLiteral("ports --json")).out.contains("Corvan TARN/TERN"));
     Ended ended = run(QStringLiteral("receive a.Q7V"));
@@ -211,7 +211,7 @@ void TestTrnRemoteJack::faults()
     QFETCH(QString, fault);
     QFETCH(QString, line);
     QFETCH(int, code);
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     // It comes back, and must then serve the next run as if nothing had been.
     QVERIFY(startInstrument({fault, QStringLiteral("comeback=1000")}));
     const Ended ended = run(line);
@@ -235,7 +235,7 @@ void TestTrnRemoteJack::theServerKilledInTheMiddle_data()
 void TestTrnRemoteJack::theServerKilledInTheMiddle()
 {
     QFETCH(QString, line);
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QVERIFY(startInstrument({QStringLiteral("silent:after:20")}));
     const std::unique_ptr<QProcess> process = startRun(line);
     QVERIFY(process->waitForStarted(LimitMs));
@@ -258,7 +258,7 @@ void TestTrnRemoteJack::aSignalEndsARunInOrder_data()
 void TestTrnRemoteJack::aSignalEndsARunInOrder()
 {
     QFETCH(int, signal);
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QVERIFY(startInstrument({QStringLiteral("silent:after:20"), QStringLiteral("comeback=1")}));
     const std::unique_ptr<QProcess> process = startRun(QStringLiteral("receive a.Q7V"));
     QVERIFY(process->waitForStarted(LimitMs));
@@ -278,7 +278,7 @@ void TestTrnRemoteJack::aSignalEndsARunInOrder()
 
 void TestTrnRemoteJack::monitorEndsWithCtrlC()
 {
-    QVERIFY(m_server.start());
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QVERIFY(startInstrument());
     const std::unique_ptr<QProcess> process = startRun(QStringLiteral("monitor"));
     QByteArray out;

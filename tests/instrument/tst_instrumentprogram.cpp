@@ -142,7 +142,7 @@ private Q_SLOTS:
 
     void itsPortsAreNamedAsTheBridgeNamesThem()
     {
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start(
             {QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--ready")});
@@ -174,7 +174,7 @@ private Q_SLOTS:
         QString error;
         QVERIFY2(InstrumentFile::save(state, memory, &error), qPrintable(error));
 
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--state"),
                        state, QStringLiteral("--dump"), dumped});
@@ -208,7 +208,7 @@ private Q_SLOTS:
     {
         const QTemporaryDir dir;
         const QString dumped = dir.filePath(QStringLiteral("dump.Q7V"));
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"),
                        dumped, QStringLiteral("--log"), QStringLiteral("--name"),
@@ -254,7 +254,7 @@ private Q_SLOTS:
 
     void faultsOfTheCommandLine()
     {
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--fault"),
                        QStringLiteral("drop:footer:12"), QStringLiteral("--fault"),
@@ -282,7 +282,7 @@ private Q_SLOTS:
         QFETCH(bool, killed);
         const QTemporaryDir dir;
         const QString dumped = dir.filePath(QStringLiteral("dump.Q7V"));
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start(
             {QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"), dumped});
@@ -301,7 +301,7 @@ private Q_SLOTS:
     void aDumpThatCannotBeWrittenIsAFailure()
     {
         const QTemporaryDir dir;
-        QVERIFY(m_server.start());
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
         Program program;
         program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--dump"),
                        dir.filePath(QStringLiteral("none/dump.Q7V"))});

@@ -28,6 +28,8 @@ class JackServer
 public:
     static constexpr const char *Name = "trn-test";
     static constexpr int TimeoutMs = 20000;
+    // Frames at 48 kHz: a whole transfer takes a second and not ten.
+    static constexpr int ShortPeriod = 128;
 
     JackServer()
     {
