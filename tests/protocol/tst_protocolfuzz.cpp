@@ -175,6 +175,10 @@ class TestProtocolFuzz : public QObject
     Q_OBJECT
 
 private:
+    // Runs of random bytes, each an event at worst, that the ring of 960 records holds for sure.
+    static constexpr int LongestRandomRun = 60;
+    static constexpr int MarkedRuns = 900 / LongestRandomRun;
+
     // Feeds so many inputs, in runs and in pieces of runs, and waits for the last.
     template <typename MakeRun>
     static void feedMany(DecoderRig *rig, int count, MakeRun makeRun, QRandomGenerator *random)
@@ -190,8 +194,8 @@ private:
                 run = run.mid(cut);
             }
             transport.feed(run);
-            if (i % 100 == 99 || i == count - 1) {
-                // The ring drops what it has no room for, so it is let run empty.
+            if (i % MarkedRuns == MarkedRuns - 1 || i == count - 1) {
+                // The ring drops what it has no room for, so it is let run empty before that.
                 const int wanted = reader.marks() + 1;
                 transport.feed(QByteArray("\x9F\x01\x40"));
                 QVERIFY(reader.waitMarks(wanted));
@@ -220,7 +224,7 @@ private Q_SLOTS:
         fillNames(&rig);
         QRandomGenerator random(20);
         feedMany(
-            &rig, 50000, [&] { return randomBytes(&random, 60); }, &random);
+            &rig, 50000, [&] { return randomBytes(&random, LongestRandomRun); }, &random);
         QVERIFY(isSane(rig.api));
         QVERIFY(rig.device.take().isEmpty());
         QVERIFY(rig.api.isAllowToSendSysEx());
