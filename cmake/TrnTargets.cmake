@@ -62,5 +62,5 @@ function(trn_test NAME)
         TIMEOUT ${T_TIMEOUT}
         LABELS "${T_LABELS}"
         RESOURCE_LOCK "${T_LOCK}"
-        ENVIRONMENT "QT_HASH_SEED=0;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
+        ENVIRONMENT "QT_HASH_SEED=0;QT_NO_GLIB=1;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
 endfunction()
