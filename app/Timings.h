@@ -10,6 +10,8 @@ struct Timings
     // Limits of a whole synchronisation run, from its start.
     int receiveRunTimeoutMs = 60000;
     int sendRunTimeoutMs = 100000;
+    // How long a receive whose requests count as answered waits for each dump still on its way.
+    int lastDumpsTimeoutMs = 2000;
 };
 
 inline Timings &timings()

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Console.h"
+
+#include <QtCore/QFileDevice>
+#include <QtCore/QIODevice>
+
+namespace
+{
+
+// Back to the first column, and the line erased.
+const QByteArray EraseLine = QByteArrayLiteral("\r\x1B[K");
+
+void writeNow(QIODevice *device, const QByteArray &bytes)
+{
+    device->write(bytes);
+    if (auto *file = qobject_cast<QFileDevice *>(device)) {
+        file->flush();
+    }
+}
+
+} // namespace
+
+Console::Console(QIODevice *out, QIODevice *err, bool errIsTerminal)
+    : m_out(out)
+    , m_err(err)
+    , m_errIsTerminal(errIsTerminal)
+{
+}
+
+void Console::line(const QString &text)
+{
+    bytes(text.toUtf8() + '\n');
+}
+
+void Console::bytes(const QByteArray &text)
+{
+    writeNow(m_out, text);
+}
+
+void Console::error(const QString &text)
+{
+    note(QStringLiteral("trn-remote: ") + text);
+}
+
+void Console::note(const QString &text)
+{
+    draw(QString());
+    writeNow(m_err, text.toUtf8() + '\n');
+}
+
+void Console::draw(const QString &text)
+{
+    if (!m_errIsTerminal || (text.isEmpty() && !m_isDrawn)) {
+        return;
+    }
+    m_isDrawn = !text.isEmpty();
+    writeNow(m_err, EraseLine + text.toUtf8());
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+class QIODevice;
+
+// Where a command writes: results to out, everything said to the user to err. UTF-8. Neither device
+// is owned; both are open and outlive the console. Thread: GUI.
+class Console
+{
+public:
+    // errIsTerminal: a person is watching err, so that progress may be drawn on it.
+    Console(QIODevice *out, QIODevice *err, bool errIsTerminal);
+
+    void line(const QString &text);
+    void bytes(const QByteArray &text);
+    // One line "trn-remote: text".
+    void error(const QString &text);
+    // One line as it stands.
+    void note(const QString &text);
+
+    bool isWatched() const { return m_errIsTerminal; }
+    // Replaces the line that is being drawn on the terminal; an empty text removes it. Nothing
+    // unless watched.
+    void draw(const QString &text);
+
+private:
+    QIODevice *m_out;
+    QIODevice *m_err;
+    bool m_errIsTerminal;
+    bool m_isDrawn = false;
+};

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/FileTarget.h"
+
+#include "cli/Console.h"
+#include "cli/Workspace.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
+
+namespace
+{
+
+const QString NotWritten = QStringLiteral("Failed in the file writing.");
+const QString NotFound = QStringLiteral("File was not found.");
+const QString NotOpened = QStringLiteral("File could not be opened.");
+
+ExitCode fail(Console *console, const QString &path, const QString &text)
+{
+    console->note(QStringLiteral("%1: %2").arg(path, text));
+    return ExitCode::Failed;
+}
+
+} // namespace
+
+ExitCode FileTarget::load(Workspace *workspace, Console *console, const QString &path)
+{
+    QString error;
+    return workspace->load(path, &error) ? ExitCode::Done : fail(console, path, error);
+}
+
+ExitCode FileTarget::save(Workspace *workspace, Console *console, const QString &path)
+{
+    QString error;
+    return workspace->save(path, &error) ? ExitCode::Done : fail(console, path, error);
+}
+
+ExitCode FileTarget::checkWritable(Console *console, const QString &path)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.absolutePath());
+    const bool isPossible =
+        file.exists() ? file.isFile() && file.isWritable() : folder.isDir() && folder.isWritable();
+    return isPossible ? ExitCode::Done : fail(console, path, NotWritten);
+}
+
+ExitCode FileTarget::write(Console *console, const QString &path, const QByteArray &bytes)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        return fail(console, path, NotWritten);
+    }
+    return ExitCode::Done;
+}
+
+ExitCode FileTarget::read(Console *console, const QString &path, qint64 limit, QByteArray *bytes)
+{
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return fail(console, path, NotFound);
+    }
+    QFile file(path);
+    // Opening a pipe or a device could wait for ever.
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
+        return fail(console, path, NotOpened);
+    }
+    *bytes = file.read(limit + 1);
+    if (file.error() != QFileDevice::NoError) {
+        return fail(console, path, NotOpened);
+    }
+    if (bytes->size() > limit) {
+        return fail(console, path, QStringLiteral("The file is longer than %1 bytes.").arg(limit));
+    }
+    return ExitCode::Done;
+}

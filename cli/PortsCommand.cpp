@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/PortSelection.h"
+#include "cli/Workspace.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+// Lists the recognised instruments. An empty list is an answer, too.
+
+ExitCode runPorts(const CommandContext &context)
+{
+    const PortSelection selection(context.workspace.api());
+    if (context.arguments.json) {
+        QJsonArray instruments;
+        for (const PortInfo &instrument : selection.instruments()) {
+            instruments.append(
+                QJsonObject{{QStringLiteral("name"), instrument.name},
+                            {QStringLiteral("activeSense"), instrument.activeSensePort},
+                            {QStringLiteral("communicationIn"), instrument.communicationInPort},
+                            {QStringLiteral("communicationOut"), instrument.communicationOutPort}});
+        }
+        const QJsonObject root{{QStringLiteral("instruments"), instruments}};
+        context.console.bytes(QJsonDocument(root).toJson(QJsonDocument::Indented));
+        return ExitCode::Done;
+    }
+    for (const PortInfo &instrument : selection.instruments()) {
+        context.console.line(
+            QStringLiteral(
+                "%1  (active sensing from input %2, messages from input %3, to output %4)")
+                .arg(instrument.name, QString::number(instrument.activeSensePort),
+                     QString::number(instrument.communicationInPort),
+                     QString::number(instrument.communicationOutPort)));
+    }
+    if (selection.instruments().isEmpty()) {
+        context.console.note(QStringLiteral("No instrument was found among the MIDI ports."));
+    }
+    return ExitCode::Done;
+}

@@ -1,0 +1,382 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Constants.h"
+#include "cli/CliHarness.h"
+#include "instrument/InstrumentFile.h"
+#include "instrument/InstrumentTestTools.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QJsonArray>
+#include <QtTest/QtTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <memory>
+
+// The commands on files: show, get, set, check, diff, and bad input to all that read one.
+
+class TestFileCommands : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void showAsJsonHasTheWholeDocument();
+    void showAsJsonOfOneTemplate();
+    void showAsATable();
+    void showPrintsNamesThatLookLikePlaceholders();
+    void getAndSetOfEveryField_data();
+    void getAndSetOfEveryField();
+    void refusedValuesNameTheLimit_data();
+    void refusedValuesNameTheLimit();
+    void refusedAddresses_data();
+    void refusedAddresses();
+    void setOnAFileThatCantBeWritten();
+    void checkTellsEachFile();
+    void diffOfEqualFilesIsSilent();
+    void diffNamesEachParameter();
+    void aValueThatALoadRefusesIsNotTakenFromTheOtherFile();
+    void badInputIsRefusedWithTheLoadsText_data();
+    void badInputIsRefusedWithTheLoadsText();
+
+private:
+    bool writeFile(const QString &name, const InstrumentMemory &memory)
+    {
+        QString error;
+        return InstrumentFile::save(m_cli->path(name), memory, &error);
+    }
+    QString file() const { return m_cli->path(QStringLiteral("a.Q7V")); }
+    QString other() const { return m_cli->path(QStringLiteral("b.Q7V")); }
+
+    InstrumentMemory m_memory;
+    std::unique_ptr<CliHarness> m_cli;
+};
+
+void TestFileCommands::init()
+{
+    m_memory = randomMemory(11);
+    m_cli = std::make_unique<CliHarness>();
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), m_memory));
+}
+
+void TestFileCommands::showAsJsonHasTheWholeDocument()
+{
+    QCOMPARE(m_cli->run({"show", file(), "--json"}), 0);
+    const QJsonObject root = m_cli->json();
+    QCOMPARE(root.keys(), QStringList({"currentTemplate"_qs, "edit"_qs, "stored"_qs}));
+    QCOMPARE(root.value("currentTemplate"_qs).toInt(), m_memory.currentTemplate + 1);
+    for (const QString &bank : {"edit"_qs, "stored"_qs}) {
+        const QJsonArray templates = root.value(bank).toArray();
+        QCOMPARE(templates.size(), 50);
+        const InstrumentBank &expected = bank == "edit"_qs ? m_memory.editBuffer : m_memory.stored;
+        for (int number = 0; number < 50; ++number) {
+            const InstrumentTemplate &source = expected[static_cast<std::size_t>(number)];
+            const QJsonObject object = templates.at(number).toObject();
+            QCOMPARE(object.keys(), QStringList({"controlType"_qs, "knobs"_qs, "number"_qs,
+                                                 "templateName"_qs, "vstiName"_qs}));
+            QCOMPARE(object.value("number"_qs).toInt(), number + 1);
+            QCOMPARE(object.value("templateName"_qs).toString().toLatin1(),
+                     source.templateName.trimmed());
+            QCOMPARE(object.value("vstiName"_qs).toString().toLatin1(), source.vstiName.trimmed());
+            QCOMPARE(object.value("controlType"_qs).toInt(), int(source.controlType));
+            const QJsonArray knobs = object.value("knobs"_qs).toArray();
+            QCOMPARE(knobs.size(), 12);
+            for (int knob = 0; knob < 12; ++knob) {
+                const InstrumentKnob &from = source.knobs[static_cast<std::size_t>(knob)];
+                const QJsonObject shown = knobs.at(knob).toObject();
+                QCOMPARE(shown.keys(),
+                         QStringList({"ccNumber"_qs, "displayFormat"_qs, "displayName"_qs,
+                                      "knob"_qs, "remoteNumber"_qs}));
+                QCOMPARE(shown.value("knob"_qs).toString(),
+                         QLatin1String(LCDSelectAddressUpper[knob]));
+                QCOMPARE(shown.value("displayName"_qs).toString().toLatin1(),
+                         from.displayName.trimmed());
+                QCOMPARE(shown.value("ccNumber"_qs).toInt(), int(from.ccNumber));
+                QCOMPARE(shown.value("displayFormat"_qs).toInt(), int(from.displayFormat));
+                QCOMPARE(shown.value("remoteNumber"_qs).toString().toLatin1(),
+                         from.remoteId.trimmed());
+            }
+        }
+    }
+}
+
+void TestFileCommands::showAsJsonOfOneTemplate()
+{
+    QCOMPARE(m_cli->run({"show", file(), "--json", "--template", "13"}), 0);
+    for (const QString &bank : {"edit"_qs, "stored"_qs}) {
+        const QJsonArray templates = m_cli->json().value(bank).toArray();
+        QCOMPARE(templates.size(), 1);
+        QCOMPARE(templates.first().toObject().value("number"_qs).toInt(), 13);
+    }
+}
+
+void TestFileCommands::showAsATable()
+{
+    QCOMPARE(m_cli->run({"show", file()}), 0);
+    QVERIFY(m_cli->out.startsWith("Current template: "));
+    QCOMPARE(m_cli->out.count('\n'), 1 + 2 * (2 + 50));
+    QCOMPARE(m_cli->run({"show", file(), "--template", "50"}), 0);
+    QCOMPARE(m_cli->out.count("knobD3"), 2);
+}
+
+void TestFileCommands::showPrintsNamesThatLookLikePlaceholders()
+{
+    QCOMPARE(m_cli->run({"set", file(), "edit/1/templateName", "%6%5%1"}), 0);
+    QCOMPARE(m_cli->run({"set", file(), "edit/1/knobA1/displayName", "%4%3"}), 0);
+    QCOMPARE(m_cli->run({"show", file()}), 0);
+    QVERIFY(m_cli->out.contains("%6%5%1"));
+    QCOMPARE(m_cli->run({"show", file(), "--template", "1"}), 0);
+    QVERIFY(m_cli->out.contains("%6%5%1"));
+    QVERIFY(m_cli->out.contains("%4%3"));
+}
+
+void TestFileCommands::getAndSetOfEveryField_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("value");
+    const auto row = [](const char *address, const char *value) {
+        QTest::addRow("%s = %s", address, value)
+            << QString::fromUtf8(address) << QString::fromUtf8(value);
+    };
+    row("edit/13/knobA1/ccNumber", "127");
+    row("edit/1/knobD3/ccNumber", "0");
+    row("edit/50/knobB2/displayFormat", "1");
+    row("stored/1/knobC1/displayName", "fifteen letters");
+    row("stored/2/knobC1/displayName", "");
+    row("stored/50/knobD1/remoteNumber", "100000401");
+    row("stored/1/templateName", "thirteen char");
+    row("edit/1/vstiName", "twelve chars");
+    row("edit/1/vstiName", "\xC3\x84 & <b> \" '");
+    row("edit/7/controlType", "1");
+    row("edit/currentTemplateNumber", "50");
+    row("edit/currentTemplateNumber", "1");
+}
+
+void TestFileCommands::getAndSetOfEveryField()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, value);
+    QVERIFY(QFile::copy(file(), other()));
+    QCOMPARE(m_cli->run({"set", file(), address, value}), 0);
+    QCOMPARE(m_cli->run({"get", file(), address}), 0);
+    QCOMPARE(QString::fromUtf8(m_cli->out), value + QLatin1Char('\n'));
+    // Nothing else has changed.
+    m_cli->run({"diff", other(), file()});
+    QVERIFY(m_cli->out.isEmpty() ||
+            (m_cli->out.count('\n') == 1 && m_cli->out.startsWith(address.toUtf8() + ": ")));
+}
+
+void TestFileCommands::refusedValuesNameTheLimit_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QByteArray>("limit");
+    const auto row = [](const char *name, const char *address, const char *value,
+                        const char *limit) {
+        QTest::newRow(name) << QString::fromUtf8(address) << QString::fromUtf8(value)
+                            << QByteArray(limit);
+    };
+    row("cc number too high", "edit/1/knobA1/ccNumber", "128", "from 0 to 127");
+    row("cc number below 0", "edit/1/knobA1/ccNumber", "-1", "from 0 to 127");
+    row("cc number empty", "edit/1/knobA1/ccNumber", "", "from 0 to 127");
+    row("cc number that is none", "edit/1/knobA1/ccNumber", "7a", "from 0 to 127");
+    row("cc number with a fraction", "edit/1/knobA1/ccNumber", "7.0", "from 0 to 127");
+    row("cc number beyond all", "edit/1/knobA1/ccNumber", "99999999999999999999", "from 0 to 127");
+    row("display format", "edit/1/knobA1/displayFormat", "2", "from 0 to 1");
+    row("control type", "edit/1/controlType", "2", "from 0 to 1");
+    row("current template 0", "edit/currentTemplateNumber", "0", "from 1 to 50");
+    row("current template 51", "edit/currentTemplateNumber", "51", "from 1 to 50");
+    row("display name too long", "edit/1/knobA1/displayName", "sixteen letters!", "15 is the most");
+    row("template name too long", "edit/1/templateName", "fourteen chars", "13 is the most");
+    row("instrument name too long", "edit/1/vstiName", "thirteen char", "12 is the most");
+    row("remote number too long", "edit/1/knobA1/remoteNumber", "0123456789", "9 is the most");
+    row("a control character", "edit/1/templateName", "a\x01", "can't be written");
+    row("a line end", "edit/1/templateName", "a\nb", "can't be written");
+}
+
+void TestFileCommands::refusedValuesNameTheLimit()
+{
+    QFETCH(QString, address);
+    QFETCH(QString, value);
+    QFETCH(QByteArray, limit);
+    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    QCOMPARE(m_cli->run({"set", file(), address, value}), 1);
+    QVERIFY2(m_cli->err.contains(limit), m_cli->err.constData());
+    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+}
+
+void TestFileCommands::refusedAddresses_data()
+{
+    QTest::addColumn<QString>("address");
+    for (const char *address :
+         {"", "edit", "edit/", "edit/0/templateName", "edit/51/templateName", "edit/1", "edit/1/",
+          "edit/1/knobA1", "edit/1/knobA4/ccNumber", "edit/1/knobA1/templateName",
+          "edit/1/ccNumber", "edit/1/knobA1/ccNumber/", "other/1/templateName",
+          "stored/currentTemplateNumber", "/edit/1/templateName", "edit/1/TEMPLATENAME",
+          "edit/x/templateName", "edit/1/bankAvailableFlag", "isOnline"}) {
+        QTest::addRow("'%s'", address) << QString::fromLatin1(address);
+    }
+}
+
+void TestFileCommands::refusedAddresses()
+{
+    QFETCH(QString, address);
+    const QByteArray before = m_cli->read("a.Q7V"_qs);
+    QCOMPARE(m_cli->run({"get", file(), address}), 1);
+    QVERIFY2(m_cli->err.contains("is no address: "), m_cli->err.constData());
+    QCOMPARE(m_cli->run({"set", file(), address, "1"}), 1);
+    QVERIFY(m_cli->err.contains("is no address: "));
+    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+}
+
+void TestFileCommands::setOnAFileThatCantBeWritten()
+{
+    if (geteuid() == 0) {
+        // Nothing is unwritable for root but a file system that is full.
+        QVERIFY(QFile::link("/dev/full"_qs, other()));
+        QCOMPARE(m_cli->run({"export", file(), other()}), 1);
+    } else {
+        QVERIFY(QFile::setPermissions(file(), QFile::ReadOwner));
+        QCOMPARE(m_cli->run({"set", file(), "edit/1/controlType", "1"}), 1);
+    }
+    QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
+}
+
+void TestFileCommands::checkTellsEachFile()
+{
+    QVERIFY(m_cli->write("bad"_qs, "nonsense"));
+    const QString bad = m_cli->path("bad"_qs);
+    QCOMPARE(m_cli->run({"check", file()}), 0);
+    QVERIFY(m_cli->err.isEmpty());
+    QCOMPARE(m_cli->run({"check", bad, file(), m_cli->path("none"_qs)}), 1);
+    const QList<QByteArray> lines = m_cli->err.trimmed().split('\n');
+    QCOMPARE(lines.size(), 2);
+    QVERIFY(lines.at(0).startsWith(bad.toUtf8() + ": Parse error at line 1. ("));
+    QVERIFY(lines.at(1).endsWith("none: File was not found."));
+    QVERIFY(m_cli->out.contains("a.Q7V: ok"));
+}
+
+void TestFileCommands::diffOfEqualFilesIsSilent()
+{
+    QVERIFY(QFile::copy(file(), other()));
+    QCOMPARE(m_cli->run({"diff", file(), other()}), 0);
+    QVERIFY(m_cli->out.isEmpty());
+    QVERIFY(m_cli->err.isEmpty());
+}
+
+void TestFileCommands::diffNamesEachParameter()
+{
+    InstrumentMemory changed = m_memory;
+    changed.editBuffer[0].controlType ^= 1;
+    changed.stored[49].knobs[11].displayName.set("changed");
+    changed.stored[49].knobs[11].remoteId.set("1");
+    QVERIFY(writeFile("b.Q7V"_qs, changed));
+    QCOMPARE(m_cli->run({"diff", file(), other()}), 1);
+    const QList<QByteArray> lines = m_cli->out.trimmed().split('\n');
+    QCOMPARE(lines.size(), 3);
+    QVERIFY(lines.at(0).startsWith("edit/1/controlType: "));
+    QVERIFY(lines.at(1).startsWith("stored/50/knobD3/displayName: "));
+    QVERIFY(lines.at(1).endsWith("-> \"changed\""));
+    QVERIFY(lines.at(2).startsWith("stored/50/knobD3/remoteNumber: "));
+    QCOMPARE(m_cli->err, QByteArray("3 values differ.\n"));
+}
+
+void TestFileCommands::aValueThatALoadRefusesIsNotTakenFromTheOtherFile()
+{
+    QCOMPARE(m_cli->run({"set", file(), "edit/1/knobA1/ccNumber", "77"}), 0);
+    QByteArray bytes = m_cli->read("a.Q7V"_qs);
+    const qsizetype place = bytes.indexOf("<ccnumber>77<", bytes.indexOf("<editBuffTemplate1>"));
+    QVERIFY(place > 0);
+    QVERIFY(m_cli->write("b.Q7V"_qs, bytes.replace(place, 13, "<ccnumber>200<")));
+    QCOMPARE(m_cli->run({"diff", file(), other()}), 1);
+    QVERIFY(m_cli->out.startsWith("edit/1/knobA1/ccNumber: 77 -> "));
+}
+
+void TestFileCommands::badInputIsRefusedWithTheLoadsText_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QByteArray>("text");
+    const auto row = [](const char *kind, const char *text) {
+        QTest::newRow(kind) << QString::fromLatin1(kind) << QByteArray(text);
+    };
+    row("missing", "File was not found.");
+    row("a folder given as a file", "File could not be opened.");
+    row("a pipe given as a file", "File could not be opened.");
+    row("empty", "Parse error");
+    row("binary", "Parse error");
+    row("truncated", "Parse error");
+    row("damaged", "Parse error");
+    row("deeply nested", "Parse error");
+    row("entity bomb", "Parse error");
+    row("huge", "Parse error");
+    row("another document", "File is not an editor file.");
+    row("another version", "It doesn't correspond to this version.");
+    row("a part is missing", "Parameter is not found.");
+}
+
+void TestFileCommands::badInputIsRefusedWithTheLoadsText()
+{
+    QFETCH(QString, kind);
+    QFETCH(QByteArray, text);
+    const QByteArray good = m_cli->read("a.Q7V"_qs);
+    const QString bad = "bad.Q7V"_qs;
+    bool isWritten = true;
+    if (kind == "a folder given as a file"_qs) {
+        isWritten = QDir().mkdir(m_cli->path(bad));
+    } else if (kind == "a pipe given as a file"_qs) {
+        isWritten = mkfifo(QFile::encodeName(m_cli->path(bad)).constData(), 0600) == 0;
+    } else if (kind != "missing"_qs) {
+        QByteArray bytes;
+        if (kind == "binary"_qs) {
+            bytes = QByteArray::fromHex("00ff7f454c46f043").repeated(512);
+        } else if (kind == "truncated"_qs) {
+            bytes = good.left(good.size() / 2);
+        } else if (kind == "damaged"_qs) {
+            bytes = QByteArray(good).replace("</knobB2>", "</knobB3>");
+        } else if (kind == "deeply nested"_qs) {
+            bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile>" + QByteArray("<a>").repeated(200000);
+        } else if (kind == "entity bomb"_qs) {
+            bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile [<!ENTITY a \"aaaaaaaaaa\">"
+                    "<!ENTITY b \"&a;&a;&a;&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;\">]>"
+                    "<bank version=\"1.0\">&c;</bank>";
+        } else if (kind == "huge"_qs) {
+            bytes = "<!DOCTYPE TARN_TERNRemoteEditorFile><bank version=\"1.0\">" +
+                    QByteArray(64 * 1024 * 1024, 'x');
+        } else if (kind == "another document"_qs) {
+            bytes = "<!DOCTYPE html><bank version=\"1.0\"/>";
+        } else if (kind == "another version"_qs) {
+            bytes = QByteArray(good).replace("version=\"1.0\"", "version=\"1.1\"");
+        } else if (kind == "a part is missing"_qs) {
+            bytes = QByteArray(good).replace("bankInfo", "other");
+        }
+        isWritten = m_cli->write(bad, bytes);
+    }
+    QVERIFY(isWritten);
+    const QByteArray before = m_cli->read(bad == "a pipe"_qs ? QString() : "a.Q7V"_qs);
+    const QString path = m_cli->path(bad);
+    const auto isTold = [&] {
+        return m_cli->err.startsWith(path.toUtf8() + ": ") && m_cli->err.contains(text) &&
+               m_cli->out.isEmpty();
+    };
+    QCOMPARE(m_cli->run({"check", path}), 1);
+    QVERIFY2(isTold(), m_cli->err.constData());
+    QCOMPARE(m_cli->run({"show", path}), 1);
+    QVERIFY2(isTold(), m_cli->err.constData());
+    QCOMPARE(m_cli->run({"get", path, "edit/1/templateName"}), 1);
+    QVERIFY(isTold());
+    QCOMPARE(m_cli->run({"set", path, "edit/1/templateName", "x"}), 1);
+    QVERIFY(isTold());
+    QCOMPARE(m_cli->run({"export", path, m_cli->path("out.syx"_qs)}), 1);
+    QVERIFY(isTold());
+    QVERIFY(!m_cli->exists("out.syx"_qs));
+    QCOMPARE(m_cli->run({"diff", file(), path}), 1);
+    QVERIFY(isTold());
+    QCOMPARE(m_cli->run({"send", path}), 1);
+    QVERIFY(isTold());
+    QCOMPARE(m_cli->run({"verify", path}), 1);
+    QVERIFY(isTold());
+    QCOMPARE(m_cli->read("a.Q7V"_qs), before);
+}
+
+QTEST_GUILESS_MAIN(TestFileCommands)
+#include "tst_filecommands.moc"
