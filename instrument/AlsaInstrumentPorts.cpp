@@ -1,23 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "instrument/AlsaInstrumentPorts.h"
 
+#include "midi/alsa/SequencerRoom.h"
+
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
-#include <vector>
 
 namespace
 {
 
-// The kernel's own limit, in cells of some 30 bytes: a burst of fifty dumps.
+// The most that the sequencer grants: some 660 messages of the longest kind.
 constexpr std::size_t PoolCells = 2000;
-// How long a full pool on the other side is waited for before the next try, and how often; the
-// kernel has no way to tell that a subscriber has room again.
+// More than the pool can hold, since an event larger than the buffer could never be read.
+constexpr std::size_t InputBufferBytes = std::size_t{1} << 17;
+// The kernel has no way to tell that a receiver has room again.
 constexpr int RetryMs = 1;
-constexpr int Retries = 5000;
+constexpr std::chrono::seconds StuckAfter{5};
 
 void printNothing(const char * /*file*/, int /*line*/, const char * /*function*/, int /*error*/,
                   const char * /*format*/, ...)
@@ -28,7 +31,7 @@ void printNothing(const char * /*file*/, int /*line*/, const char * /*function*/
 
 AlsaInstrumentPorts::~AlsaInstrumentPorts()
 {
-    close();
+    AlsaInstrumentPorts::close();
 }
 
 bool AlsaInstrumentPorts::open(const QString &deviceName, Callbacks callbacks, QString *error)
@@ -43,6 +46,7 @@ bool AlsaInstrumentPorts::open(const QString &deviceName, Callbacks callbacks, Q
     snd_seq_set_client_name(m_sequencer, deviceName.toUtf8().constData());
     snd_seq_set_client_pool_output(m_sequencer, PoolCells);
     snd_seq_set_client_pool_input(m_sequencer, PoolCells);
+    snd_seq_set_input_buffer_size(m_sequencer, InputBufferBytes);
     bool good = true;
     for (std::size_t i = 0; i < Ports; ++i) {
         m_ports[i] = snd_seq_create_simple_port(
@@ -85,31 +89,16 @@ void AlsaInstrumentPorts::close()
     }
 }
 
-// False when the ports close meanwhile.
-bool AlsaInstrumentPorts::waitForRoom()
-{
-    pollfd fds[2] = {};
-    if (snd_seq_poll_descriptors(m_sequencer, fds, 1, POLLOUT) != 1) {
-        return false;
-    }
-    fds[1].fd = m_quitFd;
-    fds[1].events = POLLIN;
-    while (poll(fds, 2, -1) < 0 && errno == EINTR) {
-    }
-    return fds[1].revents == 0;
-}
-
 void AlsaInstrumentPorts::send(int port, const QByteArray &bytes)
 {
     const MutexLocker locker(m_sendMutex);
     if (!m_open || !m_sequencer) {
         return;
     }
+    const int own = m_ports[static_cast<std::size_t>(port - 1)];
     snd_seq_event_t event;
     snd_seq_ev_clear(&event);
-    snd_seq_ev_set_source(&event,
-                          static_cast<unsigned char>(m_ports[static_cast<std::size_t>(port - 1)]));
-    snd_seq_ev_set_subs(&event);
+    snd_seq_ev_set_source(&event, static_cast<unsigned char>(own));
     snd_seq_ev_set_direct(&event);
     QByteArray data = bytes;
     if (bytes == QByteArrayLiteral("\xFE")) {
@@ -118,16 +107,64 @@ void AlsaInstrumentPorts::send(int port, const QByteArray &bytes)
     } else {
         snd_seq_ev_set_sysex(&event, static_cast<unsigned>(data.size()), data.data());
     }
-    for (int i = 0; i < Retries && m_open; ++i) {
-        const int result = snd_seq_event_output_direct(m_sequencer, &event);
-        if (result >= 0 || (result != -EAGAIN && result != -ENOMEM && result != -ENOSPC)) {
+    for (const snd_seq_addr_t &receiver : receivers(own)) {
+        sendTo(receiver, &event);
+    }
+}
+
+std::vector<snd_seq_addr_t> AlsaInstrumentPorts::receivers(int port) const
+{
+    std::vector<snd_seq_addr_t> found;
+    snd_seq_query_subscribe_t *query = nullptr;
+    snd_seq_query_subscribe_alloca(&query);
+    const snd_seq_addr_t own{static_cast<unsigned char>(snd_seq_client_id(m_sequencer)),
+                             static_cast<unsigned char>(port)};
+    snd_seq_query_subscribe_set_root(query, &own);
+    snd_seq_query_subscribe_set_type(query, SND_SEQ_QUERY_SUBS_READ);
+    for (int i = 0;; ++i) {
+        snd_seq_query_subscribe_set_index(query, i);
+        if (snd_seq_query_port_subscribers(m_sequencer, query) < 0) {
+            return found;
+        }
+        found.push_back(*snd_seq_query_subscribe_get_addr(query));
+    }
+}
+
+void AlsaInstrumentPorts::sendTo(const snd_seq_addr_t &receiver, snd_seq_event_t *event)
+{
+    snd_seq_ev_set_dest(event, receiver.client, receiver.port);
+    const std::size_t length = snd_seq_ev_is_variable(event) ? event->data.ext.len : 0;
+    pollfd sequencer{};
+    snd_seq_poll_descriptors(m_sequencer, &sequencer, 1, POLLOUT);
+    pollfd quit{m_quitFd, POLLIN, 0};
+    const auto begin = std::chrono::steady_clock::now();
+    while (m_open) {
+        if (sequencerHasRoom(sequencer.fd, receiver.client, length)) {
+            const int result = snd_seq_event_output_direct(m_sequencer, event);
+            if (result >= 0) {
+                m_stuck.erase(receiver.client);
+                return;
+            }
+            if (result != -EAGAIN && result != -ENOMEM) {
+                return; // it has gone meanwhile
+            }
+        }
+        if (m_stuck.count(receiver.client) > 0 ||
+            std::chrono::steady_clock::now() - begin >= StuckAfter) {
+            m_stuck.insert(receiver.client);
+            tellLoss(QStringLiteral("Client %1 has no room for what is sent to it; a message to it "
+                                    "is lost.")
+                         .arg(receiver.client));
             return;
         }
-        if (result == -EAGAIN && !waitForRoom()) {
-            return;
-        }
-        // Our own pool has room by now, so the full one is the subscriber's.
-        poll(nullptr, 0, RetryMs);
+        poll(&quit, 1, RetryMs);
+    }
+}
+
+void AlsaInstrumentPorts::tellLoss(const QString &what) const
+{
+    if (m_callbacks.lost) {
+        m_callbacks.lost(what);
     }
 }
 
@@ -146,12 +183,20 @@ void AlsaInstrumentPorts::readEvents()
             m_callbacks.died();
             return;
         }
+        if ((fds.front().revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) {
+            m_callbacks.died();
+            return;
+        }
         snd_seq_event_t *event = nullptr;
         int result = 0;
-        // -ENOSPC tells that the kernel dropped events; those behind them still come.
         while (m_open &&
                ((result = snd_seq_event_input(m_sequencer, &event)) >= 0 || result == -ENOSPC)) {
-            if (result < 0 || !event || event->type != SND_SEQ_EVENT_SYSEX) {
+            if (result == -ENOSPC) {
+                tellLoss(
+                    QStringLiteral("More came in than there was room for; messages are lost."));
+                continue;
+            }
+            if (!event || event->type != SND_SEQ_EVENT_SYSEX) {
                 continue;
             }
             for (std::size_t i = 0; i < Ports; ++i) {
@@ -162,7 +207,7 @@ void AlsaInstrumentPorts::readEvents()
                 }
             }
         }
-        if (result < 0 && result != -EAGAIN && result != -EINTR) {
+        if (m_open && result < 0 && result != -EAGAIN && result != -EINTR) {
             m_callbacks.died();
             return;
         }

@@ -20,7 +20,7 @@ struct InstrumentMemory;
 class InstrumentFile
 {
 public:
-    static constexpr qint64 MaxFileSize = 16 * 1024 * 1024;
+    static constexpr qint64 MaxFileSize = qint64{16} * 1024 * 1024;
 
     // On failure false, *error told, *memory as it was.
     [[nodiscard]] static bool load(const QString &path, InstrumentMemory *memory, QString *error);

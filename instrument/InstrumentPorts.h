@@ -17,6 +17,8 @@ public:
     struct Callbacks
     {
         std::function<void(int port, const QByteArray &bytes)> received; // port 1 to 5
+        // Messages were lost after all, in words; may be left empty. Also called by send().
+        std::function<void(const QString &what)> lost;
         // The service has gone. close() must not be called afterwards, see its comment.
         std::function<void()> died;
     };
@@ -26,7 +28,8 @@ public:
     // Never starts a service, prints nothing. False and *error told if there is none.
     [[nodiscard]] virtual bool open(const QString &deviceName, Callbacks callbacks,
                                     QString *error) = 0;
-    // Whole wire messages, kept whole and in order; waits for room, so that none is lost.
+    // Whole wire messages, kept whole and in order; waits for room, so that none is lost. A
+    // receiver that takes nothing in for seconds is not waited for any longer, and that is told.
     virtual void send(int port, const QByteArray &bytes) = 0;
     // Takes the ports back in order. Not once the service has died: its library may wait for an
     // answer from it for ever.

@@ -35,7 +35,7 @@ JackInstrumentPorts::JackInstrumentPorts()
 JackInstrumentPorts::~JackInstrumentPorts()
 {
     if (!m_dead) {
-        close();
+        JackInstrumentPorts::close();
     }
     endDelivery();
     sem_destroy(&m_received);

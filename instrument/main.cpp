@@ -158,6 +158,7 @@ int main(int argc, char **argv)
     callbacks.received = [&](int port, const QByteArray &bytes) {
         instrument.receive(port, bytes);
     };
+    callbacks.lost = [](const QString &what) { complain(what); };
     callbacks.died = [&app] { // queued: this is the ports' thread
         QMetaObject::invokeMethod(
             const_cast<QCoreApplication *>(&app), [] { QCoreApplication::exit(Failed); },

@@ -214,6 +214,17 @@ void TMIDITransport::pushEvent()
     }
 }
 
+int TMIDITransport::inputRoom() const
+{
+    if (m_pusherThread == nullptr) {
+        return 0;
+    }
+    CircularBuffer &ring = m_pusherThread->ring();
+    const std::lock_guard<CircularBuffer::AnyMutex> lock(ring.mutex);
+    // The last place is the stop record's.
+    return std::max(0, ring.space() / RecordBytes - 1);
+}
+
 void TMIDITransport::discardConstruction()
 {
     if ((m_event.eventType & MPEventLongMask) != 0) {

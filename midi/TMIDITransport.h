@@ -53,6 +53,10 @@ public:
     // Always returns 0. Never blocks but for the ring's mutex.
     virtual int read(int length, const void *bytes);
 
+    // How many events the ring behind the open input takes before it drops one; 0 without an open
+    // input. For a binding that can hold back what comes in. Thread: that of read().
+    int inputRoom() const;
+
     // Messages that a service refused since the program started, over all transports.
     // Thread: any.
     static quint64 outputFailureCount();

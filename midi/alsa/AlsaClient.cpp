@@ -7,13 +7,13 @@
 
 #include <poll.h>
 #include <pthread.h>
-#include <signal.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <utility>
 
@@ -28,12 +28,17 @@ constexpr std::size_t InputPoolEvents = 2000;
 constexpr std::size_t InputBufferBytes = 1 << 17;
 // For messages other than system exclusive ones.
 constexpr std::size_t CodecBytes = 64;
-// The transport's ring behind an input holds 960 events: after so many without a break its reader
-// is given a moment to keep up.
-constexpr int EventsPerBurst = 256;
-constexpr std::chrono::milliseconds BurstPause{2};
+// How many events are taken with the ports locked, so that a sender gets its turn in between.
+constexpr int EventsPerTurn = 256;
+// More events than the bytes of one sequencer event come to, but for a run of short messages that
+// somebody packed into a system exclusive event.
+constexpr int EventsPerRun = 16;
+// What may wait for room in a transport's ring, and how long until the ring is looked at again.
+constexpr std::size_t MaximumWaitingBytes = std::size_t{1} << 22;
+constexpr std::size_t WaitingMessageBytes = 40; // what a short one costs apart from its bytes
+constexpr int RingRoomPauseMs = 2;
 // How long a sender waits for a receiver that has no room.
-constexpr std::chrono::milliseconds NoRoomLimit{100};
+constexpr std::chrono::milliseconds NoRoomLimit{500};
 constexpr std::chrono::milliseconds NoRoomPause{1};
 // A driver has a buffer of this size behind the sequencer and drops what does not fit, saying
 // nothing to the sender. So no more is given to it than it had time to send on, at the pace that
@@ -379,9 +384,12 @@ void AlsaClient::run()
     std::array<pollfd, 2> sources{};
     snd_seq_poll_descriptors(m_input.get(), &sources[0], 1, POLLIN);
     sources[1] = {m_stopSignal, POLLIN, 0};
-    int burst = 0;
+    Inbox inbox = Inbox::Empty;
     for (;;) {
-        if (poll(sources.data(), sources.size(), -1) < 0 && errno != EINTR) {
+        const bool isWaiting = handOnWaiting();
+        // The library reads ahead: what it holds already the descriptor does not tell of.
+        const int timeoutMs = inbox == Inbox::HasMore ? 0 : isWaiting ? RingRoomPauseMs : -1;
+        if (poll(sources.data(), sources.size(), timeoutMs) < 0 && errno != EINTR) {
             break;
         }
         if (sources[1].revents != 0) {
@@ -390,28 +398,25 @@ void AlsaClient::run()
         if ((sources[0].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) {
             break;
         }
-        if ((sources[0].revents & POLLIN) != 0 && !takeEvents(&burst)) {
-            break;
-        }
-        if (burst >= EventsPerBurst) {
-            burst = 0;
-            std::this_thread::sleep_for(BurstPause);
+        if (inbox == Inbox::HasMore || (sources[0].revents & POLLIN) != 0) {
+            inbox = takeEvents();
+            if (inbox == Inbox::Gone) {
+                break;
+            }
         }
     }
     // The sequencer is gone: every send is refused from here on, and the next list tries again.
     m_isAlive = false;
 }
 
-// Takes what there is, a burst at most. False if the sequencer is gone.
-bool AlsaClient::takeEvents(int *burst)
+AlsaClient::Inbox AlsaClient::takeEvents()
 {
     const MutexLocker lock(m_portMutex);
-    while (*burst < EventsPerBurst) {
+    for (int taken = 0; taken < EventsPerTurn; ++taken) {
         snd_seq_event_t *event = nullptr;
         const int result = snd_seq_event_input(m_input.get(), &event);
         if (result == -EAGAIN) {
-            *burst = 0;
-            return true;
+            return Inbox::Empty;
         }
         if (result == -ENOSPC) {
             // Events were lost, announcements perhaps among them.
@@ -427,16 +432,15 @@ bool AlsaClient::takeEvents(int *burst)
             continue;
         }
         if (result < 0 || event == nullptr) {
-            return false;
+            return Inbox::Gone;
         }
         if (event->dest.port == m_announcements) {
             takeAnnouncement(*event);
         } else {
-            ++*burst;
             deliver(*event);
         }
     }
-    return true;
+    return Inbox::HasMore;
 }
 
 void AlsaClient::takeAnnouncement(const snd_seq_event_t &event)
@@ -487,7 +491,7 @@ void AlsaClient::deliver(const snd_seq_event_t &event)
         return;
     }
     if (event.type == SND_SEQ_EVENT_SYSEX) {
-        (*port)->transport->read(static_cast<int>(event.data.ext.len), event.data.ext.ptr);
+        handOn(**port, static_cast<const unsigned char *>(event.data.ext.ptr), event.data.ext.len);
         return;
     }
     // One event may stand for several messages, as a parameter number and its value do.
@@ -495,8 +499,35 @@ void AlsaClient::deliver(const snd_seq_event_t &event)
     const long length = snd_midi_event_decode(m_decoder.get(), bytes.data(),
                                               static_cast<long>(bytes.size()), &event);
     if (length > 0) {
-        (*port)->transport->read(static_cast<int>(length), bytes.data());
+        handOn(**port, bytes.data(), static_cast<std::size_t>(length));
     }
+}
+
+void AlsaClient::handOn(AlsaPort &port, const unsigned char *bytes, std::size_t length)
+{
+    if (port.waiting.empty() && port.transport->inputRoom() >= EventsPerRun) {
+        port.transport->read(static_cast<int>(length), bytes);
+    } else if (port.waitingBytes + length + WaitingMessageBytes <= MaximumWaitingBytes) {
+        port.waiting.emplace_back(bytes, bytes + length);
+        port.waitingBytes += length + WaitingMessageBytes;
+    }
+}
+
+// True while anything still waits.
+bool AlsaClient::handOnWaiting()
+{
+    const MutexLocker lock(m_portMutex);
+    bool isWaiting = false;
+    for (const std::shared_ptr<AlsaPort> &port : m_ports) {
+        while (!port->waiting.empty() && port->transport->inputRoom() >= EventsPerRun) {
+            const std::vector<unsigned char> &bytes = port->waiting.front();
+            port->transport->read(static_cast<int>(bytes.size()), bytes.data());
+            port->waitingBytes -= bytes.size() + WaitingMessageBytes;
+            port->waiting.pop_front();
+        }
+        isWaiting = isWaiting || !port->waiting.empty();
+    }
+    return isWaiting;
 }
 
 // ---- Sending -----------------------------------------------------------------------------------

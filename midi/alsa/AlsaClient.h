@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -54,6 +55,9 @@ struct AlsaPort
     // Other ports of the bound name that were there when the connection broke: a second
     // instrument, or one that somebody disconnected by hand. Not to be taken for the returning one.
     QSet<int> passedOver;
+    // Received, oldest first, while the transport's ring has no room for it.
+    std::deque<std::vector<unsigned char>> waiting;
+    std::size_t waitingBytes = 0;
 
     // The sender's.
     bool isBlocked = false; // the last message found no room for as long as one waits
@@ -68,6 +72,10 @@ struct AlsaPort
 // of its own. The other sends, to its port directly and through no queue. The sequencer swallows
 // what a receiver has no room for and empties its whole inbox, so the room is asked for first; if
 // another sender was quicker, the bounce is in the sending client's inbox when the call returns.
+//
+// Our own inbox would be emptied likewise, and drivers ask nobody. So the receiving thread takes
+// out what there is whether or not the transports' readers keep up, and what a transport has no
+// room for waits with its port: some 50,000 messages, the newest being dropped beyond that.
 //
 // Threads: send() any, for one port one at a time; everything else one thread, that of the GUI.
 // Locks, outermost first: m_outputMutex, m_portMutex.
@@ -130,9 +138,12 @@ private:
 
     // The receiving thread.
     void run();
-    bool takeEvents(int *burst);
+    enum class Inbox { Empty, HasMore, Gone };
+    Inbox takeEvents();
     void takeAnnouncement(const snd_seq_event_t &event);
     void deliver(const snd_seq_event_t &event);
+    static void handOn(AlsaPort &port, const unsigned char *bytes, std::size_t length);
+    bool handOnWaiting();
 
     // Under m_outputMutex.
     Outcome sendEvent(snd_seq_event_t *event, int own, const AlsaAddress &other);

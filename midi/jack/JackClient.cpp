@@ -12,13 +12,13 @@
 
 #include <jack/jack.h>
 #include <pthread.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <deque>
 #include <functional>
 #include <optional>

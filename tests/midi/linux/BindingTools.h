@@ -11,12 +11,15 @@
 #include <QtCore/QTemporaryFile>
 #include <QtTest/QTest>
 
-#include <cstdio>
 #include <unistd.h>
+
+#include <cstdio>
+#include <mutex>
 
 // What the tests of the bindings share.
 
-// Keeps what a transport delivers, as the bytes that were on the wire.
+// Keeps what a transport delivers, as the bytes that were on the wire, and can be held so that it
+// lags behind.
 class Collector : public TMIDIReaderRefConInterface
 {
 public:
@@ -32,8 +35,23 @@ public:
             message.append(static_cast<char>(event->shortData[0]));
             message.append(static_cast<char>(event->shortData[1]));
         }
-        const MutexLocker lock(m_mutex);
+        std::unique_lock<Mutex> lock(m_mutex);
+        m_isWaiting = true;
+        m_released.wait(lock, [this] { return !m_isHeld; });
+        m_isWaiting = false;
         m_messages.append(message);
+    }
+    void hold(bool isHeld)
+    {
+        const MutexLocker lock(m_mutex);
+        m_isHeld = isHeld;
+        m_released.notify_all();
+    }
+    // With a message in hand, while it is held.
+    bool isWaiting() const
+    {
+        const MutexLocker lock(m_mutex);
+        return m_isWaiting;
     }
     QList<QByteArray> messages() const
     {
@@ -53,8 +71,25 @@ public:
 
 private:
     mutable Mutex m_mutex;
+    WaitCondition m_released;
+    bool m_isHeld = false;
+    bool m_isWaiting = false;
     QList<QByteArray> m_messages;
 };
+
+// Waits until count() is expected, for as long as it goes on growing: false only after silenceMs
+// without anything new. The emulated machine on a busy host is too slow for one time for all.
+template <typename Count>
+bool arrives(Count count, qsizetype expected, int silenceMs = 20000)
+{
+    qsizetype before = -1;
+    qsizetype now = count();
+    while (now < expected && now != before) {
+        before = now;
+        now = QTest::qWaitFor([&] { return count() != before; }, silenceMs) ? count() : before;
+    }
+    return now >= expected;
+}
 
 // The n-th of a burst: a control change for a length of 3, otherwise system exclusive. Carries its
 // number, so that a lost or a swapped one shows.
