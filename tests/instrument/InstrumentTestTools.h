@@ -7,6 +7,7 @@
 #include <QtCore/QList>
 #include <QtCore/QRandomGenerator>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -96,6 +97,12 @@ public:
     {
         const std::lock_guard locker(m_mutex);
         return m_sent;
+    }
+    bool hasSent(const QByteArray &bytes) const
+    {
+        const QList<Sent> sent = all();
+        return std::any_of(sent.begin(), sent.end(),
+                           [&bytes](const Sent &one) { return one.bytes == bytes; });
     }
     // Without sensing; empties the record.
     QList<QByteArray> take()
