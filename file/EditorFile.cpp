@@ -67,8 +67,8 @@ QString refusal(const QByteArray &content, QDomDocument *document)
     return QString();
 }
 
-// The file that the name leads to through links, which stay; empty if something is there that is no
-// file: replacing would remove a pipe or a device.
+// The file that the name leads to through links, which stay; empty if the links lead in a ring, or
+// to something that is no file: replacing would remove the ring, the pipe or the device.
 QString placeToWrite(const QString &name)
 {
     QFileInfo place(name);

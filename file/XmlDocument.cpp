@@ -103,9 +103,13 @@ bool check(const QString &text, QString *message, int *line)
         return refuse(reason, reader.lineNumber(), message, line);
     };
     int depth = 0;
+    int elements = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
+            if (++elements > XmlDocument::MaximumElements) {
+                return refuseHere(QStringLiteral("The document has too many elements."));
+            }
             if (++depth > XmlDocument::MaximumDepth) {
                 return refuseHere(QStringLiteral("The elements are nested too deeply."));
             }

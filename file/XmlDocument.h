@@ -14,6 +14,9 @@ namespace XmlDocument
 inline constexpr int MaximumDepth = 64;
 // A bank has some 400 KB. The tree takes many times the text's size.
 inline constexpr qint64 MaximumBytes = 16 * 1024 * 1024;
+// Each costs the tree some 300 bytes, whatever it costs the text. An editor file
+// has 6,403.
+inline constexpr int MaximumElements = 500000;
 // The parser's time grows with the square of an element's attributes. A bank has one.
 inline constexpr int MaximumAttributes = 1000;
 
