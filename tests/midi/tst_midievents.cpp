@@ -388,8 +388,11 @@ private Q_SLOTS:
     {
         CollectingReader reader;
         BareTransport transport;
+        QCOMPARE(transport.inputRoom(), 0);
         transport.openInput(1, &reader, 0);
+        QCOMPARE(transport.inputRoom(), 959);
         fillRing(transport, reader);
+        QCOMPARE(transport.inputRoom(), 0);
         // 72 bytes are free, and one event more needs twice that.
         transport.feed(hex("FE"));
         transport.feed(hex("F04344F7"));
