@@ -413,10 +413,11 @@ bool MessageDecoder::setParamToMemoryFromBulk(const ParamAddress &address, const
     if (!address.isStringParamAdr()) {
         return false;
     }
-    const QString text =
-        QString::fromLatin1(reinterpret_cast<const char *>(event.longData + first), length);
-    WriteStringParamToMemory(address, withoutTrailingBlanks(text));
-    return true;
+    QLatin1String field(reinterpret_cast<const char *>(event.longData + first), length);
+    while (field.endsWith(QLatin1Char(' '))) {
+        field.chop(1);
+    }
+    return WriteStringParamToMemory(address, QString(field));
 }
 
 bool MessageDecoder::decodeBulkFooter(const tagMPEVENT &)
