@@ -63,8 +63,8 @@ public Q_SLOTS:
 
 private:
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor; // null until first needed
-    QMap<int, TAppMIDIIn *> m_midiInTransporters;   // owned; GUI thread only
-    QMap<int, TAppMIDIOut *> m_midiOutTransporters; // owned; guarded by m_mapMutex
+    QMap<int, TAppMIDIIn *> m_midiInTransporters;         // owned; GUI thread only
+    QMap<int, TAppMIDIOut *> m_midiOutTransporters;       // owned; guarded by m_mapMutex
     // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that
     // wait for it, so that closing everything cannot take it from under them.
     QMap<int, std::shared_ptr<RecursiveMutex>> m_midiOutMutexes;
