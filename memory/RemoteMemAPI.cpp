@@ -54,6 +54,10 @@ bool RemoteMemAPI::setParam(const ParamAddress &address, long value)
     const bool changed = memory->setParam(address, value);
     if (address.isCurrentTemplateNumAdr() && currentTemplateHold) {
         currentTemplateHold = false;
+        // Forced is a number that stays the same, not one that was refused.
+        if (memory->getParam(address).getCurrentValue() != value) {
+            return false;
+        }
     } else if (!changed) {
         return false;
     }

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void anEchoIsTakenOnlyIfItIsTheFirst();
     void sentNumbersAreForgottenWithTheRoute();
     void aForcedCurrentTemplateIsHeardAndSentAlsoWhenEqual();
+    void aForcedNumberThatIsRefusedIsNoChange();
     void aForceEndsWithItsFirstWrite();
     void aForceEndsWithItsScope();
     void aForceIsNotUsedUpByOtherAddresses();
@@ -470,6 +471,18 @@ void TestRemoteMemAPI::aForcedCurrentTemplateIsHeardAndSentAlsoWhenEqual()
     QCOMPARE(m_cable->take(), QStringList{templateMessage(7)});
     QVERIFY(m_api->takeSentTemplateNumber(7));
     QVERIFY(m_api->takeSentTemplateNumber(7));
+}
+
+void TestRemoteMemAPI::aForcedNumberThatIsRefusedIsNoChange()
+{
+    goOnline();
+    m_cable->take();
+    const ParamAddress address(0, 52, -1, -1);
+    const ForcedCurrentTemplate force(m_api.get());
+    QVERIFY(!m_api->setParam(address, 50));
+    QCOMPARE(m_api->getParam(address).getCurrentValue(), 0);
+    QCOMPARE(m_cable->take(), QStringList());
+    QVERIFY(!m_api->takeSentTemplateNumber(50));
 }
 
 void TestRemoteMemAPI::aForceEndsWithItsFirstWrite()
