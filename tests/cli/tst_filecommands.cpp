@@ -182,6 +182,8 @@ void TestFileCommands::refusedValuesNameTheLimit_data()
     row("cc number empty", "edit/1/knobA1/ccNumber", "", "from 0 to 127");
     row("cc number that is none", "edit/1/knobA1/ccNumber", "7a", "from 0 to 127");
     row("cc number with a fraction", "edit/1/knobA1/ccNumber", "7.0", "from 0 to 127");
+    row("cc number behind a blank", "edit/1/knobA1/ccNumber", " 7", "from 0 to 127");
+    row("cc number with a plus sign", "edit/1/knobA1/ccNumber", "+7", "from 0 to 127");
     row("cc number beyond all", "edit/1/knobA1/ccNumber", "99999999999999999999", "from 0 to 127");
     row("display format", "edit/1/knobA1/displayFormat", "2", "from 0 to 1");
     row("control type", "edit/1/controlType", "2", "from 0 to 1");
@@ -209,12 +211,27 @@ void TestFileCommands::refusedValuesNameTheLimit()
 void TestFileCommands::refusedAddresses_data()
 {
     QTest::addColumn<QString>("address");
-    for (const char *address :
-         {"", "edit", "edit/", "edit/0/templateName", "edit/51/templateName", "edit/1", "edit/1/",
-          "edit/1/knobA1", "edit/1/knobA4/ccNumber", "edit/1/knobA1/templateName",
-          "edit/1/ccNumber", "edit/1/knobA1/ccNumber/", "other/1/templateName",
-          "stored/currentTemplateNumber", "/edit/1/templateName", "edit/1/TEMPLATENAME",
-          "edit/x/templateName", "edit/1/bankAvailableFlag", "isOnline"}) {
+    for (const char *address : {"",
+                                "edit",
+                                "edit/",
+                                "edit/0/templateName",
+                                "edit/51/templateName",
+                                "edit/1",
+                                "edit/1/",
+                                "edit/1/knobA1",
+                                "edit/1/knobA4/ccNumber",
+                                "edit/1/knobA1/templateName",
+                                "edit/1/ccNumber",
+                                "edit/1/knobA1/ccNumber/",
+                                "other/1/templateName",
+                                "stored/currentTemplateNumber",
+                                "/edit/1/templateName",
+                                "edit/1/TEMPLATENAME",
+                                "edit/x/templateName",
+                                "edit/ 1/templateName",
+                                "edit/+1/templateName",
+                                "edit/1/bankAvailableFlag",
+                                "isOnline"}) {
         QTest::addRow("'%s'", address) << QString::fromLatin1(address);
     }
 }
