@@ -10,6 +10,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <memory>
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void refusedValuesNameTheLimit();
     void refusedAddresses_data();
     void refusedAddresses();
+    void aLostOutputIsNoSuccess();
     void aFullDiskLeavesTheOldFile();
     void exportOntoWhatIsNoPlainFileIsRefused();
     void checkTellsEachFile();
@@ -245,6 +247,26 @@ void TestFileCommands::refusedAddresses()
     QCOMPARE(m_cli->run({"set", file(), address, "1"}), 1);
     QVERIFY(m_cli->err.contains("is no address: "));
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
+}
+
+void TestFileCommands::aLostOutputIsNoSuccess()
+{
+    int ends[2] = {-1, -1};
+    QCOMPARE(pipe(ends), 0);
+    close(ends[0]);
+    const auto handler = std::signal(SIGPIPE, SIG_IGN);
+    QFile out;
+    QVERIFY(out.open(ends[1], QIODevice::WriteOnly, QFileDevice::AutoCloseHandle));
+    QByteArray errors;
+    QBuffer err(&errors);
+    err.open(QIODevice::WriteOnly);
+    Console console(&out, &err, false);
+    Interruption interruption;
+    const int result = trnRemote({"trn-remote"_q, "show"_q, file(), "--json"_q}, &console,
+                                 &interruption, [](const QString &) {});
+    std::signal(SIGPIPE, handler);
+    QCOMPARE(result, 1);
+    QVERIFY2(errors.contains("The output could not be written."), errors.constData());
 }
 
 void TestFileCommands::aFullDiskLeavesTheOldFile()
