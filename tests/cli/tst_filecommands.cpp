@@ -35,6 +35,7 @@ private Q_SLOTS:
     void refusedAddresses();
     void aLostOutputIsNoSuccess();
     void aFullDiskLeavesTheOldFile();
+    void exportOntoItsOwnSourceIsRefused();
     void exportOntoWhatIsNoPlainFileIsRefused();
     void checkTellsEachFile();
     void diffOfEqualFilesIsSilent();
@@ -289,6 +290,17 @@ void TestFileCommands::aFullDiskLeavesTheOldFile()
     QVERIFY2(exportError.contains("Failed in the file writing."), exportError.constData());
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
     QCOMPARE(m_cli->read("b.Q7V"_q), before);
+}
+
+void TestFileCommands::exportOntoItsOwnSourceIsRefused()
+{
+    const QByteArray before = m_cli->read("a.Q7V"_q);
+    QVERIFY(QFile::link(file(), m_cli->path("link"_q)));
+    for (const QString &target : {file(), m_cli->path("./a.Q7V"_q), m_cli->path("link"_q)}) {
+        QCOMPARE(m_cli->run({"export", file(), target}), 2);
+        QVERIFY2(m_cli->err.contains("would overwrite what is exported"), m_cli->err.constData());
+        QCOMPARE(m_cli->read("a.Q7V"_q), before);
+    }
 }
 
 void TestFileCommands::exportOntoWhatIsNoPlainFileIsRefused()
