@@ -10,12 +10,11 @@ namespace
 // Back to the first column, and the line erased.
 const QByteArray EraseLine = QByteArrayLiteral("\r\x1B[K");
 
-void writeNow(QIODevice *device, const QByteArray &bytes)
+bool writeNow(QIODevice *device, const QByteArray &bytes)
 {
-    device->write(bytes);
-    if (auto *file = qobject_cast<QFileDevice *>(device)) {
-        file->flush();
-    }
+    const bool isTaken = device->write(bytes) == bytes.size();
+    auto *file = qobject_cast<QFileDevice *>(device);
+    return (file == nullptr || file->flush()) && isTaken;
 }
 
 } // namespace
@@ -34,7 +33,7 @@ void Console::line(const QString &text)
 
 void Console::bytes(const QByteArray &text)
 {
-    writeNow(m_out, text);
+    m_hasLostOutput = !writeNow(m_out, text) || m_hasLostOutput;
 }
 
 void Console::error(const QString &text)

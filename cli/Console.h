@@ -16,6 +16,8 @@ public:
 
     void line(const QString &text);
     void bytes(const QByteArray &text);
+    // Something written to out did not arrive, as on a full disk or with the reader of a pipe gone.
+    bool hasLostOutput() const { return m_hasLostOutput; }
     // One line "trn-remote: text".
     void error(const QString &text);
     // One line as it stands.
@@ -31,4 +33,5 @@ private:
     QIODevice *m_err;
     bool m_errIsTerminal;
     bool m_isDrawn = false;
+    bool m_hasLostOutput = false;
 };

@@ -48,9 +48,12 @@ const FileField *find(const QList<FileField> &fields, const QString &name)
 
 bool isPlainNumber(const QString &text, int minimum, int maximum, int *value)
 {
+    // Digits alone: the conversion would take blanks and a plus sign, too.
+    const bool isPlain =
+        std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     bool isNumber = false;
     *value = text.toInt(&isNumber);
-    return isNumber && *value >= minimum && *value <= maximum;
+    return isPlain && isNumber && *value >= minimum && *value <= maximum;
 }
 
 bool hasControlCharacter(const QString &text)

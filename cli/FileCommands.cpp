@@ -78,6 +78,10 @@ ExitCode runExport(const CommandContext &context)
 {
     const QStringList &operands = context.arguments.operands;
     const ExitCode result = FileTarget::load(&context.workspace, &context.console, operands.at(0));
+    if (result == ExitCode::Done && FileTarget::isSameFile(operands.at(0), operands.at(1))) {
+        context.console.error(QStringLiteral("The export would overwrite what is exported."));
+        return ExitCode::Usage;
+    }
     return result != ExitCode::Done
                ? result
                : FileTarget::write(&context.console, operands.at(1),

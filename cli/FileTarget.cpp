@@ -35,6 +35,14 @@ ExitCode FileTarget::save(Workspace *workspace, Console *console, const QString 
     return workspace->save(path, &error) ? ExitCode::Done : fail(console, path, error);
 }
 
+bool FileTarget::isSameFile(const QString &a, const QString &b)
+{
+    const QFileInfo first(a);
+    const QFileInfo second(b);
+    return first == second || (first.exists() && second.exists() &&
+                               first.canonicalFilePath() == second.canonicalFilePath());
+}
+
 ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 {
     const QFileInfo file(path);

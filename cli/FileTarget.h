@@ -16,6 +16,8 @@ namespace FileTarget
 
 // Opens the file as the document.
 ExitCode load(Workspace *workspace, Console *console, const QString &path);
+// Whether both names lead to one file.
+bool isSameFile(const QString &a, const QString &b);
 // Saves the document.
 ExitCode save(Workspace *workspace, Console *console, const QString &path);
 // Whether a file of that name could be written, told before an instrument is bothered for it.

@@ -112,6 +112,10 @@ ExitCode runMonitor(const CommandContext &context)
             ++messages;
             console.line(SensingLog::line(words));
         }
+        if (console.hasLostOutput()) {
+            // Nobody reads any more.
+            loop.quit();
+        }
     };
     Listener communication(instrument.communicationInPort, &loop, tell);
     Listener watch(instrument.activeSensePort, &loop, tell);

@@ -7,21 +7,11 @@
 #include "cli/InstrumentSession.h"
 #include "cli/Workspace.h"
 
-#include <QtCore/QFileInfo>
-
 // Opens the file as the document and sends it. In order: the backup, the send, the store, the
 // comparison with what the instrument then holds.
 
 namespace
 {
-
-bool isSameFile(const QString &a, const QString &b)
-{
-    const QFileInfo first(a);
-    const QFileInfo second(b);
-    return first == second || (first.exists() && second.exists() &&
-                               first.canonicalFilePath() == second.canonicalFilePath());
-}
 
 // Saves what the instrument holds, and leaves the document as it is.
 ExitCode backUp(const CommandContext &context, InstrumentSession *session)
@@ -67,7 +57,7 @@ ExitCode runSend(const CommandContext &context)
         return result;
     }
     if (!arguments.backup.isEmpty()) {
-        if (isSameFile(path, arguments.backup)) {
+        if (FileTarget::isSameFile(path, arguments.backup)) {
             context.console.error(QStringLiteral("The backup would overwrite what is to be sent."));
             return ExitCode::Usage;
         }

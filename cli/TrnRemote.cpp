@@ -55,5 +55,10 @@ int trnRemote(const QStringList &words, Console *console, Interruption *interrup
                      [&](const NamedCommand &named) { return named.name == arguments.command; });
     Q_ASSERT(command != commandFunctions().cend());
     Workspace workspace;
-    return static_cast<int>(command->run({arguments, workspace, *console, *interruption}));
+    const ExitCode result = command->run({arguments, workspace, *console, *interruption});
+    if (result == ExitCode::Done && console->hasLostOutput()) {
+        console->error(QStringLiteral("The output could not be written."));
+        return static_cast<int>(ExitCode::Failed);
+    }
+    return static_cast<int>(result);
 }

@@ -99,9 +99,11 @@ int main(int argc, char **argv)
     const QCommandLineOption midi(QStringLiteral("midi"),
                                   QStringLiteral("alsa or jack; by default the first there is."),
                                   QStringLiteral("service"));
-    const QCommandLineOption name(QStringLiteral("name"),
-                                  QStringLiteral("Name of the device in its ports' names."),
-                                  QStringLiteral("DEVICE"), QStringLiteral("Corvan TARN/TERN"));
+    const QCommandLineOption name(
+        QStringLiteral("name"),
+        QStringLiteral("Name of the device in its ports' names. The editor "
+                       "takes those with \"Corvan TARN/TERN\" in them."),
+        QStringLiteral("DEVICE"), QStringLiteral("Corvan TARN/TERN"));
     const QCommandLineOption state(QStringLiteral("state"),
                                    QStringLiteral("Contents to begin with."),
                                    QStringLiteral("FILE.Q7V"));

@@ -567,17 +567,20 @@ bool RemoteMemAPI::createMIDIInput(int watchPort, int inPort)
 
 bool RemoteMemAPI::createMIDIOutput(int outPort)
 {
-    const RecursiveMutexLocker lock(memoryMutex);
-    if (messageEncoder != nullptr) {
+    {
+        const RecursiveMutexLocker lock(memoryMutex);
+        if (messageEncoder != nullptr) {
+            return false;
+        }
+    }
+    // Without the lock: a service may take seconds, and the input threads must not wait for it.
+    if (!comuController->requestPort(1, outPort, 0, nullptr)) {
         return false;
     }
+    const RecursiveMutexLocker lock(memoryMutex);
     messageEncoder =
         std::make_unique<MessageEncoder>(deviceBytes[0], deviceBytes[1], sysExTable.get(),
                                          comuController.get(), outPort, &addressTable, this);
-    if (!comuController->requestPort(1, outPort, 0, nullptr)) {
-        messageEncoder.reset();
-        return false;
-    }
     return true;
 }
 

@@ -10,6 +10,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <memory>
@@ -32,7 +33,9 @@ private Q_SLOTS:
     void refusedValuesNameTheLimit();
     void refusedAddresses_data();
     void refusedAddresses();
+    void aLostOutputIsNoSuccess();
     void aFullDiskLeavesTheOldFile();
+    void exportOntoItsOwnSourceIsRefused();
     void exportOntoWhatIsNoPlainFileIsRefused();
     void checkTellsEachFile();
     void diffOfEqualFilesIsSilent();
@@ -182,6 +185,8 @@ void TestFileCommands::refusedValuesNameTheLimit_data()
     row("cc number empty", "edit/1/knobA1/ccNumber", "", "from 0 to 127");
     row("cc number that is none", "edit/1/knobA1/ccNumber", "7a", "from 0 to 127");
     row("cc number with a fraction", "edit/1/knobA1/ccNumber", "7.0", "from 0 to 127");
+    row("cc number behind a blank", "edit/1/knobA1/ccNumber", " 7", "from 0 to 127");
+    row("cc number with a plus sign", "edit/1/knobA1/ccNumber", "+7", "from 0 to 127");
     row("cc number beyond all", "edit/1/knobA1/ccNumber", "99999999999999999999", "from 0 to 127");
     row("display format", "edit/1/knobA1/displayFormat", "2", "from 0 to 1");
     row("control type", "edit/1/controlType", "2", "from 0 to 1");
@@ -209,12 +214,27 @@ void TestFileCommands::refusedValuesNameTheLimit()
 void TestFileCommands::refusedAddresses_data()
 {
     QTest::addColumn<QString>("address");
-    for (const char *address :
-         {"", "edit", "edit/", "edit/0/templateName", "edit/51/templateName", "edit/1", "edit/1/",
-          "edit/1/knobA1", "edit/1/knobA4/ccNumber", "edit/1/knobA1/templateName",
-          "edit/1/ccNumber", "edit/1/knobA1/ccNumber/", "other/1/templateName",
-          "stored/currentTemplateNumber", "/edit/1/templateName", "edit/1/TEMPLATENAME",
-          "edit/x/templateName", "edit/1/bankAvailableFlag", "isOnline"}) {
+    for (const char *address : {"",
+                                "edit",
+                                "edit/",
+                                "edit/0/templateName",
+                                "edit/51/templateName",
+                                "edit/1",
+                                "edit/1/",
+                                "edit/1/knobA1",
+                                "edit/1/knobA4/ccNumber",
+                                "edit/1/knobA1/templateName",
+                                "edit/1/ccNumber",
+                                "edit/1/knobA1/ccNumber/",
+                                "other/1/templateName",
+                                "stored/currentTemplateNumber",
+                                "/edit/1/templateName",
+                                "edit/1/TEMPLATENAME",
+                                "edit/x/templateName",
+                                "edit/ 1/templateName",
+                                "edit/+1/templateName",
+                                "edit/1/bankAvailableFlag",
+                                "isOnline"}) {
         QTest::addRow("'%s'", address) << QString::fromLatin1(address);
     }
 }
@@ -228,6 +248,26 @@ void TestFileCommands::refusedAddresses()
     QCOMPARE(m_cli->run({"set", file(), address, "1"}), 1);
     QVERIFY(m_cli->err.contains("is no address: "));
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
+}
+
+void TestFileCommands::aLostOutputIsNoSuccess()
+{
+    int ends[2] = {-1, -1};
+    QCOMPARE(pipe(ends), 0);
+    close(ends[0]);
+    const auto handler = std::signal(SIGPIPE, SIG_IGN);
+    QFile out;
+    QVERIFY(out.open(ends[1], QIODevice::WriteOnly, QFileDevice::AutoCloseHandle));
+    QByteArray errors;
+    QBuffer err(&errors);
+    err.open(QIODevice::WriteOnly);
+    Console console(&out, &err, false);
+    Interruption interruption;
+    const int result = trnRemote({"trn-remote"_q, "show"_q, file(), "--json"_q}, &console,
+                                 &interruption, [](const QString &) {});
+    std::signal(SIGPIPE, handler);
+    QCOMPARE(result, 1);
+    QVERIFY2(errors.contains("The output could not be written."), errors.constData());
 }
 
 void TestFileCommands::aFullDiskLeavesTheOldFile()
@@ -250,6 +290,17 @@ void TestFileCommands::aFullDiskLeavesTheOldFile()
     QVERIFY2(exportError.contains("Failed in the file writing."), exportError.constData());
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
     QCOMPARE(m_cli->read("b.Q7V"_q), before);
+}
+
+void TestFileCommands::exportOntoItsOwnSourceIsRefused()
+{
+    const QByteArray before = m_cli->read("a.Q7V"_q);
+    QVERIFY(QFile::link(file(), m_cli->path("link"_q)));
+    for (const QString &target : {file(), m_cli->path("./a.Q7V"_q), m_cli->path("link"_q)}) {
+        QCOMPARE(m_cli->run({"export", file(), target}), 2);
+        QVERIFY2(m_cli->err.contains("would overwrite what is exported"), m_cli->err.constData());
+        QCOMPARE(m_cli->read("a.Q7V"_q), before);
+    }
 }
 
 void TestFileCommands::exportOntoWhatIsNoPlainFileIsRefused()
