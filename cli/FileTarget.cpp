@@ -46,9 +46,11 @@ bool FileTarget::isSameFile(const QString &a, const QString &b)
 ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 {
     const QFileInfo file(path);
-    const QFileInfo folder(file.absolutePath());
-    const bool isPossible =
-        file.exists() ? file.isFile() && file.isWritable() : folder.isDir() && folder.isWritable();
+    // A file is replaced and not written over, so its folder, behind any links, must allow it too.
+    const QFileInfo folder(file.exists() ? QFileInfo(file.canonicalFilePath()).absolutePath()
+                                         : file.absolutePath());
+    const bool isPossible = folder.isDir() && folder.isWritable() &&
+                            (!file.exists() || (file.isFile() && file.isWritable()));
     return isPossible ? ExitCode::Done : fail(console, path, NotWritten);
 }
 

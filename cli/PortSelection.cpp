@@ -4,14 +4,24 @@
 #include "memory/RemoteMemAPI.h"
 
 PortSelection::PortSelection(RemoteMemAPI *api)
-    : m_instruments(recognizeDevicePorts(api->getInputPortList(), api->getOutputPortList()))
 {
+    const QStringList inputs = api->getInputPortList();
+    const QStringList outputs = api->getOutputPortList();
+    m_hasPorts = !inputs.isEmpty() || !outputs.isEmpty();
+    m_instruments = recognizeDevicePorts(inputs, outputs);
+}
+
+QString PortSelection::whyNone() const
+{
+    return m_hasPorts ? QStringLiteral("No instrument was found among the MIDI ports.")
+                      : QStringLiteral("No instrument was found: there are no MIDI ports. Is the "
+                                       "instrument connected, or a MIDI service running?");
 }
 
 bool PortSelection::select(const QString &name, PortInfo *instrument, QString *error) const
 {
     if (m_instruments.isEmpty()) {
-        *error = QStringLiteral("No instrument was found among the MIDI ports.");
+        *error = whyNone();
         return false;
     }
     QStringList names;

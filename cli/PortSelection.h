@@ -17,6 +17,10 @@ public:
     // then says so.
     bool select(const QString &name, PortInfo *instrument, QString *error) const;
 
+    // What a person is told when there is no instrument.
+    QString whyNone() const;
+
 private:
+    bool m_hasPorts;
     QList<PortInfo> m_instruments;
 };

@@ -35,7 +35,7 @@ ExitCode runPorts(const CommandContext &context)
                      QString::number(instrument.communicationOutPort)));
     }
     if (selection.instruments().isEmpty()) {
-        context.console.note(QStringLiteral("No instrument was found among the MIDI ports."));
+        context.console.note(selection.whyNone());
     }
     return ExitCode::Done;
 }

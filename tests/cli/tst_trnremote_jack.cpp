@@ -149,7 +149,8 @@ void TestTrnRemoteJack::withoutAServerThereIsNoInstrument()
     QVERIFY(ended.out.contains("\"instruments\""));
     ended = run(QStringLiteral("receive a.Q7V"));
     QCOMPARE(ended.code, 3);
-    QCOMPARE(ended.err, QByteArray("trn-remote: No instrument was found among the MIDI ports.\n"));
+    QCOMPARE(ended.err, QByteArray("trn-remote: No instrument was found: there are no MIDI ports. "
+                                   "Is the instrument connected, or a MIDI service running?\n"));
     QVERIFY(!QFile::exists(path("a.Q7V")));
 }
 
