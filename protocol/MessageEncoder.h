@@ -34,8 +34,9 @@ class MessageEncoder : public QObject
     Q_OBJECT
 
 public:
-    enum BulkType { BulkStored = 0, BulkEditBuffer = 1 };
-    enum BulkType2 { BulkHeader = 0, BulkFooter = 2 };
+    // Of a fixed type, so that any number may be passed and is refused.
+    enum BulkType : int { BulkStored = 0, BulkEditBuffer = 1 };
+    enum BulkType2 : int { BulkHeader = 0, BulkFooter = 2 };
 
     // Nothing is owned, and all outlives the encoder. portID: output port of the route.
     MessageEncoder(unsigned char modelFirst, unsigned char modelSecond,
