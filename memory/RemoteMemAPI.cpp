@@ -416,9 +416,9 @@ bool RemoteMemAPI::storeBank(bool send)
     allowToRaiseFileEditFlag();
 
     const ControlTemplateData blank = memory->blankTemplate();
-    const BankData &stored = memory->getBank(Bank::EditBuffer);
+    const BankData &editBuffer = memory->getBank(Bank::EditBuffer);
     for (int number = 0; number < ParamAddress::TemplateCount; ++number) {
-        if (!(stored.getTemplate(number) == blank)) {
+        if (!(editBuffer.getTemplate(number) == blank)) {
             // Content is at stake, whatever the deny count says.
             setParam(FileEditFlagAddress, 1);
             break;

@@ -68,6 +68,12 @@ QString withoutTrailingBlanks(QString text)
     return text;
 }
 
+// Where the receipt of a dump stands that is collected in this hardware bank.
+std::size_t receiptKind(int hardwareBank)
+{
+    return hardwareBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer;
+}
+
 // The rule of QString::replace with length 1: past the end nothing changes, at the end it appends.
 void putCharacter(QString *text, int position, QChar character)
 {
@@ -187,8 +193,7 @@ void MessageDecoder::clearBulkReceipt()
 void MessageDecoder::noteReceipt(int block)
 {
     const MutexLocker lock(m_receiptMutex);
-    const auto kind = static_cast<std::size_t>(
-        m_bulkBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer);
+    const std::size_t kind = receiptKind(m_bulkBank);
     std::uint16_t &blocks = m_receipt.blocks[kind][static_cast<std::size_t>(m_bulkTemplateNumber)];
     blocks = static_cast<std::uint16_t>(blocks | (1u << block));
 }
@@ -346,8 +351,7 @@ bool MessageDecoder::decodeBulkHeader(const tagMPEVENT &event)
     m_bulkBank = isNormalBulkHeader(event) ? Bank::HardwareStored : Bank::HardwareEditBuffer;
 
     const MutexLocker lock(m_receiptMutex);
-    const auto kind = static_cast<std::size_t>(
-        m_bulkBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer);
+    const std::size_t kind = receiptKind(m_bulkBank);
     const auto number = static_cast<std::size_t>(m_bulkTemplateNumber);
     m_receipt.blocks[kind][number] = 0;
     m_receipt.finished[kind][number] = false;
@@ -424,8 +428,7 @@ bool MessageDecoder::decodeBulkFooter(const tagMPEVENT &)
 {
     if (m_receivingBulk) {
         const MutexLocker lock(m_receiptMutex);
-        const auto kind = static_cast<std::size_t>(
-            m_bulkBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer);
+        const std::size_t kind = receiptKind(m_bulkBank);
         m_receipt.finished[kind][static_cast<std::size_t>(m_bulkTemplateNumber)] = true;
     }
     m_receivingBulk = false;
