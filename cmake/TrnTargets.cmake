@@ -32,12 +32,13 @@ function(trn_test_options TARGET)
 endfunction()
 
 # trn_test(NAME SOURCES file... [BINDING target] [LIBRARIES target...] [LABELS label...]
-#          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...])
+#          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...] [DISPLAY])
 # One QtTest executable, run with a home of its own, so that no test reads or writes a user's
 # files or settings, and with a fixed hash seed. BINDING is the MIDI binding that the executable
 # links (trn_midi_loopback unless told otherwise; NONE for a test that needs no engine route).
+# DISPLAY: the test opens windows, on an X server in memory of its own at 96 dots per inch.
 function(trn_test NAME)
-    cmake_parse_arguments(T "" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(T "DISPLAY" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT T_BINDING)
         set(T_BINDING trn_midi_loopback)
     endif()
@@ -72,7 +73,12 @@ function(trn_test NAME)
     endif()
     set(home ${CMAKE_BINARY_DIR}/test-home/${NAME})
     file(MAKE_DIRECTORY ${home})
-    add_test(NAME ${NAME} COMMAND ${NAME})
+    set(on_display "")
+    if(T_DISPLAY)
+        set(on_display ${CMAKE_SOURCE_DIR}/scripts/with-display)
+        target_link_libraries(${NAME} PRIVATE trn_widgets)
+    endif()
+    add_test(NAME ${NAME} COMMAND ${on_display} $<TARGET_FILE:${NAME}>)
     set_tests_properties(${NAME} PROPERTIES
         TIMEOUT ${T_TIMEOUT}
         LABELS "${T_LABELS}"
