@@ -19,6 +19,7 @@ class TAppMIDIOut;
 class TUniMIDIPortAccessor;
 
 // Mode of midiOutDispatch: bit 0 sends; nothing else is in use.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): historical spelling
 enum _MPASYNC_MODE : int { MPAsyncNone = 0, MPAsyncSend = 1 };
 
 // Owns the open MIDI ports, by port number, and guards the output path so that a port can be closed

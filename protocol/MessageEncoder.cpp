@@ -123,7 +123,7 @@ bool MessageEncoder::enqueue(OwnedMPEvent event)
     if (!bufferingMsg(event.get())) {
         return failed();
     }
-    event.release();
+    static_cast<void>(event.release()); // the queue's now
     return true;
 }
 

@@ -16,8 +16,8 @@ LoopbackMIDI::LoopbackMIDI() = default;
 
 LoopbackMIDI::~LoopbackMIDI()
 {
-    closeInput();
-    closeOutput();
+    LoopbackMIDI::closeInput();
+    LoopbackMIDI::closeOutput();
 }
 
 bool LoopbackMIDI::openInput(int port, TMIDIReaderRefConInterface *reader, int /*filterType*/)

@@ -74,8 +74,8 @@ TMacMIDI::TMacMIDI(MIDIClientRef client)
 
 TMacMIDI::~TMacMIDI()
 {
-    closeInput();
-    closeOutput();
+    TMacMIDI::closeInput();
+    TMacMIDI::closeOutput();
 }
 
 bool TMacMIDI::openInput(int port, TMIDIReaderRefConInterface *reader, int /*filterType*/)

@@ -18,7 +18,7 @@ QString objectName(MIDIObjectRef object)
         name == nullptr) {
         return {};
     }
-    const QString text = CFStringToQString(name);
+    QString text = CFStringToQString(name);
     CFRelease(name);
     return text;
 }

@@ -752,6 +752,7 @@ private Q_SLOTS:
         instrument.setFaultPlan(planOf({"delay=1:change:#50", "duplicate:ack:#3"}));
         instrument.start();
         std::vector<std::thread> threads;
+        threads.reserve(4);
         for (int t = 0; t < 4; ++t) {
             threads.emplace_back([&instrument, t] {
                 for (int i = 0; i < 50; ++i) {

@@ -326,7 +326,7 @@ void TestParamAddress::theTwoPartFormNamesControllerAndParameter_data()
     for (int knob = 0; knob < 12; ++knob) {
         for (int parameter = 0; parameter < 4; ++parameter) {
             const QByteArray name = QByteArray(Names[static_cast<std::size_t>(knob)].name) + '/' +
-                                    Names[static_cast<std::size_t>(15 + parameter)].name;
+                                    Names[15 + static_cast<std::size_t>(parameter)].name;
             QTest::newRow(name.constData()) << name << knob << parameter;
         }
     }

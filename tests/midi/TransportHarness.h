@@ -91,7 +91,7 @@ private:
 class BareTransport : public TMIDITransport
 {
 public:
-    ~BareTransport() override { closeInput(); }
+    ~BareTransport() override { BareTransport::closeInput(); }
 
     bool openInput(int, TMIDIReaderRefConInterface *reader, int) override
     {

@@ -60,13 +60,11 @@ public:
             } else if (byte == 0xF0 || byte == 0xF7) {
                 m_open.emplace();
                 takeThroughLastEnd(run, at, at + 1, events);
-            } else if (byte < 0x80 || (byte > 0xF0 && byte < 0xF8)) {
-                ++at; // stray data, or a system common message with its data
             } else if (byte == 0xFE) {
                 events.append(shortEvent(MPEventActiveSensing, 0, "00FE0000"));
                 ++at;
-            } else if (byte > 0xF8 - 1) {
-                ++at;
+            } else if (byte < 0x80 || byte > 0xF0) {
+                ++at; // stray data, a system common message with its data, another real-time byte
             } else {
                 const bool isTwoBytes = byte >= 0xC0 && byte < 0xE0;
                 const qsizetype length = isTwoBytes ? 2 : 3;

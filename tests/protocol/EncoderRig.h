@@ -30,7 +30,7 @@ public:
         if (!encoder.bufferingMsg(event.get())) {
             return false;
         }
-        event.release();
+        static_cast<void>(event.release()); // the queue's now
         return true;
     }
 

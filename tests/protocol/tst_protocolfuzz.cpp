@@ -60,7 +60,7 @@ private:
 class FuzzTransport : public TMIDITransport
 {
 public:
-    ~FuzzTransport() override { closeInput(); }
+    ~FuzzTransport() override { FuzzTransport::closeInput(); }
     bool openInput(int, TMIDIReaderRefConInterface *reader, int) override
     {
         setReader(reader);

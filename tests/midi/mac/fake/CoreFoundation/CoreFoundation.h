@@ -16,8 +16,10 @@ using ItemCount = unsigned long;
 using CFIndex = long;
 using CFStringEncoding = UInt32;
 using CFTypeRef = const void *;
+// NOLINTBEGIN(bugprone-reserved-identifier): the platform's own names
 using CFAllocatorRef = const struct __CFAllocator *;
 using CFStringRef = const struct __CFString *;
+// NOLINTEND(bugprone-reserved-identifier)
 
 enum { noErr = 0 };
 
