@@ -62,11 +62,13 @@ QFont plainFont(const Family &family, int pixelSize, QFont::HintingPreference hi
     return font;
 }
 
-// A picture for `width` by `height` pixels of the sheet, with two columns to spare on each side.
+// A picture for `columns` by `rows` pixels of a sheet, with two columns to spare on each side. One
+// pixel of the sheet is `times` pixels of the widget.
 constexpr int margin = 2;
-QImage emptyImage(int width, int height, int ratio)
+QImage emptyImage(qsizetype columns, qsizetype rows, int ratio, int times = 1)
 {
-    QImage image((width + 2 * margin) * ratio, height * ratio, QImage::Format_RGB32);
+    const int scale = ratio * times;
+    QImage image(int(columns + 2 * margin) * scale, int(rows) * scale, QImage::Format_RGB32);
     image.setDevicePixelRatio(ratio);
     image.fill(paper);
     return image;
@@ -75,7 +77,7 @@ QImage emptyImage(int width, int height, int ratio)
 // What the rows of a sheet say, `scale` device pixels for each of theirs.
 QImage expectedImage(const QStringList &rows, int scale)
 {
-    QImage image = emptyImage(int(rows.first().size()), int(rows.size()), 1);
+    QImage image = emptyImage(rows.first().size(), rows.size(), 1);
     for (int y = 0; y < rows.size(); ++y) {
         for (int x = 0; x < rows[y].size(); ++x) {
             if (rows[y][x] == QLatin1Char('#')) {
@@ -114,12 +116,6 @@ QByteArray drawn(const QImage &image)
         result += '\n';
     }
     return result;
-}
-
-bool same(const QImage &actual, const QImage &expected)
-{
-    return actual.convertToFormat(QImage::Format_RGB32).constBits() != nullptr &&
-           actual.size() == expected.size() && drawn(actual) == drawn(expected);
 }
 
 } // namespace
@@ -247,7 +243,7 @@ private Q_SLOTS:
             QStringLiteral(". ,"),           QStringLiteral(": ;"),
             QStringLiteral("- ~"),           QStringLiteral("( ["),
             QStringLiteral("( {"),           QStringLiteral("' `"),
-            QStringLiteral("... \uFB02"),    QStringLiteral("\u00C3 \u00C4"),
+            QStringLiteral("\u00C2 \u00C4"), QStringLiteral("\u00C3 \u00C4"),
             QStringLiteral("\u00E1 \u00E0"), QStringLiteral("\u00F4 \u00F6"),
         };
         for (size_t i = 0; i < families.size(); ++i) {
@@ -312,27 +308,17 @@ private Q_SLOTS:
         run.setRawFont(QRawFont::fromFont(font));
         for (const char32_t c : coverage()) {
             const SheetGlyph glyph = sheet.glyphs[c];
-            QImage image =
-                emptyImage(int(glyph.first().size()) * times, int(glyph.size()) * times, ratio);
+            QImage image = emptyImage(glyph.first().size(), glyph.size(), ratio, times);
             run.setGlyphIndexes(run.rawFont().glyphIndexesForString(text(c)));
             run.setPositions({QPointF(0, 0)});
             {
                 QPainter painter(&image);
                 painter.setRenderHint(QPainter::TextAntialiasing, false);
                 painter.setPen(QColor(ink));
-                painter.drawGlyphRun(QPointF(margin, sheet.top * times), run);
+                painter.drawGlyphRun(QPointF(margin * times, sheet.top * times), run);
             }
-            // The margin does not grow with the size of the font.
-            image.setDevicePixelRatio(1);
-            const int spare = margin * ratio * (times - 1);
-            const QImage expected = expectedImage(glyph, times * ratio);
-            image = image.copy(-spare, 0, expected.width(), expected.height());
-            for (int x = 0; x < spare; ++x) {
-                for (int y = 0; y < image.height(); ++y) {
-                    image.setPixel(x, y, paper);
-                }
-            }
-            QVERIFY2(same(image, expected), drawn(image).constData());
+            const QByteArray expected = drawn(expectedImage(glyph, times * ratio));
+            QVERIFY2(drawn(image) == expected, (drawn(image) + expected).constData());
         }
     }
 
@@ -369,9 +355,8 @@ private Q_SLOTS:
         };
         for (const QString &line : lines) {
             const QStringList rows = lineOfText(sheet, line);
-            const int width = int(rows.first().size());
-            QCOMPARE(QFontMetrics(font).horizontalAdvance(line), width);
-            QImage image = emptyImage(width, int(rows.size()), ratio);
+            QCOMPARE(QFontMetrics(font).horizontalAdvance(line), rows.first().size());
+            QImage image = emptyImage(rows.first().size(), rows.size(), ratio);
             {
                 QPainter painter(&image);
                 painter.setFont(font);
@@ -379,8 +364,8 @@ private Q_SLOTS:
                 painter.setPen(QColor(ink));
                 painter.drawText(QPointF(margin, sheet.top), line);
             }
-            image.setDevicePixelRatio(1);
-            QVERIFY2(same(image, expectedImage(rows, ratio)), drawn(image).constData());
+            const QByteArray expected = drawn(expectedImage(rows, ratio));
+            QVERIFY2(drawn(image) == expected, (drawn(image) + expected).constData());
         }
     }
 
