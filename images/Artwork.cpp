@@ -19,6 +19,11 @@ QString artworkFile(const QString &path)
     return artworkFile(path, qGuiApp->devicePixelRatio());
 }
 
+QString artworkFile(const char *path)
+{
+    return artworkFile(QString::fromLatin1(path));
+}
+
 QPixmap artwork(const QString &path, qreal devicePixelRatio)
 {
     return QPixmap(artworkFile(path, devicePixelRatio));

@@ -20,6 +20,8 @@ QString artworkFile(const QString &path, qreal devicePixelRatio);
 // such as a form: a window may move to another screen later, and the finer picture serves on both.
 // Thread: GUI.
 QString artworkFile(const QString &path);
+// For generated code, which says a path as a literal of Latin letters.
+QString artworkFile(const char *path);
 
 // The picture for this many device pixels per pixel; null if there is none. Thread: GUI.
 QPixmap artwork(const QString &path, qreal devicePixelRatio);

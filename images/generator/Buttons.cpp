@@ -62,7 +62,7 @@ void popupKey(QPainter &painter, const QSize &size, int row)
     shapes::key(painter, whole(size), state);
     const int x = 5;
     const int width = size.width() - 2 * x;
-    const int top = size.height() / 2 - 4;
+    const int top = (size.height() - 7) / 2;
     const QColor ink = shapes::keyInk(state);
     for (int index = 0; index < 3; ++index) {
         painter.fillRect(QRect(x, top + index * 3, width, 1), ink);
@@ -120,20 +120,27 @@ void windowSize(QPainter &painter, int category, int row)
 {
     const QSize size = mainwindow::sizeButtonLarge.size();
     const Key state = stateOf(row);
-    // Hangs from the window's lower edge.
-    shapes::key(painter, QRect(0, 0, size.width(), size.height()), state);
+    // Grows out of the window's lower edge, whose outline goes on below it.
+    constexpr int hidden = 4;
+    shapes::key(painter, QRect(0, 0, size.width(), size.height() + hidden), state);
+    painter.fillRect(QRect(0, size.height() - 1, size.width(), 1), palette::cabinetEdge);
     const int centre = size.width() / 2;
     if (category == 0) {
-        shapes::arrow(painter, QPoint(centre, 7), 4, shapes::Direction::Down,
+        shapes::arrow(painter, QPoint(centre, 7), 3, shapes::Direction::Down,
                       shapes::keyInk(state));
     } else {
-        shapes::arrow(painter, QPoint(centre, 3), 4, shapes::Direction::Up, shapes::keyInk(state));
+        shapes::arrow(painter, QPoint(centre, 3), 3, shapes::Direction::Up, shapes::keyInk(state));
     }
 }
 
 void store(QPainter &painter, int, int row)
 {
-    captionKey(painter, templateview::storeButton.size(), row, "STORE");
+    // The glow behind this key shines through where other keys have their socket, which lies in the
+    // view's background here.
+    const QRect all = whole(templateview::storeButton.size());
+    const Key state = stateOf(row);
+    shapes::keyFace(painter, QRectF(all).adjusted(1, 1, -1, -1), state);
+    shapes::textCentred(painter, Face::Small, all, "STORE", shapes::keyInk(state));
 }
 
 void library(QPainter &painter, int, int row)
@@ -158,14 +165,16 @@ void libraryImport(QPainter &painter, int, int row)
 
 void libraryFile(QPainter &painter, int, int row)
 {
-    const QSize size = libraryview::fileButton.size();
+    const QSize size = libraryview::fileKey;
     const Key state = stateOf(row);
     shapes::key(painter, whole(size), state);
     // A folder.
     const QColor ink = shapes::keyInk(state);
-    painter.fillRect(QRect(4, 5, 5, 2), ink);
-    painter.fillRect(QRect(4, 7, 11, 7), ink);
-    painter.fillRect(QRect(5, 8, 9, 1), state == Key::Rest ? palette::keyTop : palette::keyDown);
+    const QColor ground = state == Key::Rest ? palette::keyTop : palette::keyDown;
+    painter.fillRect(QRect(5, 3, 4, 1), ink);
+    painter.fillRect(QRect(4, 4, 6, 1), ink);
+    painter.fillRect(QRect(4, 5, 11, 6), ink);
+    painter.fillRect(QRect(5, 6, 9, 1), ground);
 }
 
 void ok(QPainter &painter, int, int row)

@@ -52,7 +52,7 @@ constexpr std::array artworks{
             drawings::libraryCancel},
     Artwork{"t27r_nsw_lib_import", libraryview::importButton.size(), 1, onOff,
             drawings::libraryImport},
-    Artwork{"t27r_nsw_file", libraryview::fileButton.size(), 1, onOff, drawings::libraryFile},
+    Artwork{"t27r_nsw_file", libraryview::fileKey, 1, onOff, drawings::libraryFile},
 
     Artwork{"trn_bak_about", overlaypanel::size, 1, single, drawings::panelAbout},
     Artwork{"trn_bak_autosync", overlaypanel::size, 1, single, drawings::panelSynchronisation},
@@ -69,7 +69,7 @@ constexpr std::array artworks{
             drawings::synchronisationError},
     // Eight steps of seven pixels: the head and its tail.
     Artwork{"trn_led_autosync", QSize(56, overlaypanel::runningLight.height()), 1, single,
-            drawings::runningLight},
+            drawings::movingLight},
     Artwork{"vd_nsw_close", overlaypanel::closeButton.size(), 1, onOff, drawings::windowClose},
     Artwork{"vd_nsw_ok", overlaypanel::button, 1, onOff, drawings::ok},
     Artwork{"vd_nsw_cancel", overlaypanel::button, 1, onOff, drawings::cancel},

@@ -64,7 +64,7 @@ void radioType(QPainter &painter, int category, int row);
 void lampOnline(QPainter &painter, int category, int row);
 void lampBankEdit(QPainter &painter, int category, int row);
 void lampFileEdit(QPainter &painter, int category, int row);
-void runningLight(QPainter &painter, int category, int row);
+void movingLight(QPainter &painter, int category, int row);
 void storeGlow(QPainter &painter, int category, int row);
 
 // The lamp of the window's upper left corner, in the coordinates of its picture; unlit it is part

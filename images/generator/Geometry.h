@@ -85,6 +85,8 @@ inline constexpr QRect okButton(339, 2, 46, 14);
 inline constexpr QRect cancelButton(390, 2, 46, 14);
 inline constexpr QRect fileName(10, 25, 153, 13);
 inline constexpr QRect fileButton(168, 22, 19, 19);
+// Lower than its widget, so that it stays clear of the list below.
+inline constexpr QSize fileKey(19, 15);
 inline constexpr QRect importButton(225, 25, 46, 14);
 inline constexpr QRect importList(7, 43, 198, 185);
 inline constexpr QRect importScroll(207, 40, 16, 191);

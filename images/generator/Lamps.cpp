@@ -59,7 +59,7 @@ void lampFileEdit(QPainter &painter, int, int)
 
 // Lights of seven pixels, brightest at the head. Dark lettering lies above them, so that none is
 // darker than the accent.
-void runningLight(QPainter &painter, int, int)
+void movingLight(QPainter &painter, int, int)
 {
     constexpr int step = 7;
     constexpr int count = 8;

@@ -23,13 +23,14 @@ inline constexpr QColor light = grey(238);
 inline constexpr QColor shade = grey(158);
 inline constexpr QColor groove = grey(172);
 inline constexpr QColor outline = grey(96);
+inline constexpr QColor cabinetEdge = grey(40);
 
 // The title strip of the window and of the dialogue boxes.
 inline constexpr QColor strip = grey(58);
 inline constexpr QColor stripLight = grey(92);
 inline constexpr QColor stripShade = grey(34);
 inline constexpr QColor stripInk = grey(224);
-inline constexpr QColor stripQuietInk = grey(158);
+inline constexpr QColor stripQuietInk = grey(168);
 inline constexpr QColor menu = grey(0);
 
 // What is active. Nothing else in the window has a colour but the backlight.
@@ -54,12 +55,13 @@ inline constexpr QColor keyDown = grey(44);
 // Lamps and captions behind which no light burns.
 inline constexpr QColor lampOff = grey(66);
 inline constexpr QColor window = grey(44);
-inline constexpr QColor unlitInk{134, 146, 134};
+inline constexpr QColor unlitInk{140, 152, 140};
 
 // The dark lists.
 inline constexpr QColor listGround = grey(55);
 inline constexpr QColor listOdd = grey(71);
 inline constexpr QColor listEven = grey(89);
+inline constexpr QColor listInk = grey(182);
 
 // What surrounds a dialogue box: the body, dimmed.
 inline constexpr QColor dimmed = grey(118);

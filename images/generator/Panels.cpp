@@ -14,19 +14,41 @@ using shapes::Face;
 
 // Content of a box, from the left edge of its fields to the right edge of its buttons.
 constexpr int contentLeft = portPulldown.left();
-constexpr int contentRight = portPulldown.right() + 1;
-// Where a message or a question stands. Its first line is the message's widget.
-constexpr QRect display(82, 138, 279, 98);
+constexpr int contentRight = buttonColumns.back() + button.width();
+constexpr int bezel = 3;
+
+// A display whose glass is as wide as the content.
+constexpr QRect displayBetween(int top, int bottom)
+{
+    return {contentLeft - bezel, top, contentRight - contentLeft + 2 * bezel, bottom - top};
+}
+
+// Where a message or a question stands, with a sign above it.
+constexpr int displayTop = 133;
+constexpr QRect messageDisplay = displayBetween(displayTop, 229);
+constexpr QRect questionDisplay = displayBetween(displayTop, 239);
+
+enum class Close { Button, None };
 
 // The window's body without its light, and the box above it.
-void panel(QPainter &painter, std::string_view title)
+void panel(QPainter &painter, std::string_view title, Close close)
 {
     const QRect all(QPoint(), size);
     painter.fillRect(all, palette::dimmed);
-    painter.fillRect(QRect(0, 0, size.width(), 1), palette::grey(70));
-    painter.fillRect(QRect(0, 0, 1, size.height()), palette::grey(70));
-    painter.fillRect(QRect(0, size.height() - 1, size.width(), 1), palette::grey(150));
-    painter.fillRect(QRect(size.width() - 1, 0, 1, size.height()), palette::grey(150));
+    // Set into the window: its upper and left edges throw a shadow.
+    constexpr int depth = 9;
+    QLinearGradient above(0, 0, 0, depth);
+    above.setColorAt(0, palette::grey(0, 70));
+    above.setColorAt(1, palette::grey(0, 0));
+    painter.fillRect(QRect(0, 0, size.width(), depth), above);
+    QLinearGradient left(0, 0, depth, 0);
+    left.setColorAt(0, palette::grey(0, 55));
+    left.setColorAt(1, palette::grey(0, 0));
+    painter.fillRect(QRect(0, 0, depth, size.height()), left);
+    painter.fillRect(QRect(0, 0, size.width(), 1), palette::grey(64));
+    painter.fillRect(QRect(0, 0, 1, size.height()), palette::grey(64));
+    painter.fillRect(QRect(0, size.height() - 1, size.width(), 1), palette::light);
+    painter.fillRect(QRect(size.width() - 1, 0, 1, size.height()), palette::light);
 
     // A soft shadow, as far below as it is wide.
     for (int spread = 12; spread > 0; --spread) {
@@ -34,10 +56,15 @@ void panel(QPainter &painter, std::string_view title)
         shapes::rounded(painter, shadow, spread + 1, palette::grey(0, 7));
     }
     shapes::cabinet(painter, box, mainwindow::stripHeight);
-    shapes::textLeft(painter, Face::Expanded, message.left(), box.top() + 17, title,
-                     palette::stripInk);
-    // Sets the row of buttons apart.
-    shapes::grooveAcross(painter, contentLeft, buttonRow - 13, contentRight - contentLeft);
+    // Without a close button the title begins where that would.
+    const int titleX = close == Close::Button ? message.left() : closeButton.left() + 8;
+    shapes::textLeft(painter, Face::Expanded, titleX, box.top() + 17, title, palette::stripInk);
+}
+
+// Sets the row of buttons apart.
+void buttonRule(QPainter &painter)
+{
+    shapes::grooveAcross(painter, contentLeft, buttonRow - 14, contentRight - contentLeft);
 }
 
 void line(QPainter &painter, Face face, int top, std::string_view text)
@@ -50,98 +77,119 @@ void line(QPainter &painter, Face face, int top, std::string_view text)
 enum class Sign { Question, Caution };
 
 // A disc above the message, centred on it.
-void sign(QPainter &painter, Sign which)
+void sign(QPainter &painter, Sign which, int top)
 {
-    const QRectF disc(message.center().x() + 0.5 - 11, display.top() + 16, 22, 22);
+    constexpr int diameter = 22;
+    const QRect disc(message.center().x() - diameter / 2 + 1, top, diameter, diameter);
     painter.save();
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette::ink);
-    painter.drawEllipse(disc);
+    painter.drawEllipse(QRectF(disc));
     painter.restore();
     const std::string_view mark = which == Sign::Question ? "?" : "!";
     const int width = shapes::textWidth(Face::Small, mark, 2);
-    shapes::textScaled(painter, Face::Small, 2, static_cast<int>(disc.left()) + (22 - width) / 2,
-                       static_cast<int>(disc.top()) + 18, mark, palette::cellLifted);
+    shapes::textScaled(painter, Face::Small, 2, disc.left() + (diameter - width) / 2,
+                       disc.top() + 18, mark, palette::cellLifted);
 }
 
-void messagePanel(QPainter &painter, std::string_view title, Sign which)
+void messagePanel(QPainter &painter, std::string_view title, Close close, Sign which)
 {
-    panel(painter, title);
-    shapes::display(painter, display);
-    sign(painter, which);
+    panel(painter, title, close);
+    shapes::display(painter, messageDisplay);
+    sign(painter, which, displayTop + 15);
+    buttonRule(painter);
 }
 
 void resetPanel(QPainter &painter, std::string_view question)
 {
-    messagePanel(painter, "RESET", Sign::Question);
+    panel(painter, "RESET", Close::None);
+    shapes::display(painter, questionDisplay);
+    sign(painter, Sign::Question, displayTop + 14);
+    buttonRule(painter);
     line(painter, Face::Large, message.top(), question);
-    line(painter, Face::Small, message.top() + 18, "All templates in the editor are replaced.");
+    line(painter, Face::Small, message.top() + 20, "All templates in the editor will be replaced.");
 }
 
 void portField(QPainter &painter, const QRect &pulldown, std::string_view caption)
 {
-    shapes::textLeft(painter, Face::Small, contentLeft + 1, pulldown.top() - 5, caption,
+    shapes::textLeft(painter, Face::Small, pulldown.left() + 1, pulldown.top() - 5, caption,
                      palette::ink);
     // Up to the key at the right end.
     shapes::well(painter, pulldown.adjusted(0, 0, -21, -1), palette::field);
 }
 
-void lightStrip(QPainter &painter)
+// The places of the running light, unlit.
+void lights(QPainter &painter)
 {
-    shapes::display(painter, runningMessage.adjusted(-5, -7, 5, 7));
+    constexpr int step = 7;
+    for (int x = 0; x < runningLight.width(); x += step) {
+        const QRectF light(runningLight.left() + x, runningLight.top(), step - 1,
+                           runningLight.height());
+        shapes::rounded(painter, light, 1, palette::cell);
+    }
 }
 
 } // namespace
 
 void panelAbout(QPainter &painter, int, int)
 {
-    panel(painter, "ABOUT");
-    shapes::display(painter, QRect(display.left(), 128, display.width(), 98));
+    panel(painter, "ABOUT", Close::Button);
+    shapes::display(painter, displayBetween(133, 233));
     constexpr std::string_view name = "TARN/TERN";
     const int width = shapes::textWidth(Face::Expanded, name, 2);
-    shapes::textScaled(painter, Face::Expanded, 2, message.center().x() - width / 2, 157, name,
+    shapes::textScaled(painter, Face::Expanded, 2, message.center().x() + 1 - width / 2, 160, name,
                        palette::ink);
 }
 
 void panelSynchronisation(QPainter &painter, int, int)
 {
-    panel(painter, "SYNCHRONISATION");
+    panel(painter, "SYNCHRONISATION", Close::Button);
     portField(painter, portPulldown, "MIDI Port");
-    lightStrip(painter);
+    shapes::display(painter,
+                    displayBetween(runningMessage.top() - 12, runningMessage.bottom() + 13));
+    lights(painter);
+    buttonRule(painter);
 }
 
 void panelScan(QPainter &painter, int, int)
 {
-    panel(painter, "VSTi DATABASE");
-    lightStrip(painter);
+    panel(painter, "VSTi DATABASE", Close::None);
+    line(painter, Face::Large, 146, "Looking for software instruments.");
+    line(painter, Face::Small, 164, "With many plug-ins this takes a few minutes.");
+    shapes::display(painter, displayBetween(runningMessage.top() - 12, scannedFile.bottom() + 10));
+    lights(painter);
 }
 
 void panelSetup(QPainter &painter, int, int)
 {
-    panel(painter, "SETUP");
+    panel(painter, "SETUP", Close::Button);
     portField(painter, portPulldown, "MIDI Port");
     portField(painter, dawPulldown, "DAW");
+    buttonRule(painter);
 }
 
 void panelSaveChange(QPainter &painter, int, int)
 {
-    messagePanel(painter, "SAVE", Sign::Question);
+    messagePanel(painter, "SAVE", Close::Button, Sign::Question);
 }
 
 void panelExitAnyway(QPainter &painter, int, int)
 {
-    messagePanel(painter, "PLEASE CONFIRM", Sign::Question);
+    messagePanel(painter, "PLEASE CONFIRM", Close::Button, Sign::Question);
 }
 
 void panelPortError(QPainter &painter, int, int)
 {
-    messagePanel(painter, "MIDI PORT", Sign::Caution);
-    line(painter, Face::Small, message.top() + 18, "This MIDI port could not be opened.");
+    panel(painter, "MIDI PORT", Close::None);
+    shapes::display(painter, messageDisplay);
+    sign(painter, Sign::Caution, displayTop + 11);
+    buttonRule(painter);
+    line(painter, Face::Small, message.top() - 19, "The MIDI port can't be opened:");
 }
 
 void panelCaution(QPainter &painter, int, int)
 {
-    messagePanel(painter, "CAUTION", Sign::Caution);
+    messagePanel(painter, "CAUTION", Close::None, Sign::Caution);
 }
 
 void panelResetStored(QPainter &painter, int, int)

@@ -178,9 +178,17 @@ QColor keyInk(Key state)
 
 void key(QPainter &painter, const QRect &rect, Key state)
 {
-    const QRectF socket(rect);
+    keySocket(painter, rect);
+    keyFace(painter, QRectF(rect).adjusted(1, 1, -1, -1), state);
+}
+
+void keySocket(QPainter &painter, const QRectF &socket)
+{
     rounded(painter, socket, 3, palette::outline);
-    const QRectF face = socket.adjusted(1, 1, -1, -1);
+}
+
+void keyFace(QPainter &painter, const QRectF &face, Key state)
+{
     if (state == Key::Down) {
         rounded(painter, face, 2, palette::keyDown);
         QLinearGradient shadow(face.topLeft(), face.topLeft() + QPointF(0, 4));
@@ -271,7 +279,7 @@ void arrow(QPainter &painter, const QPoint &tip, int height, Direction direction
 
 void cabinet(QPainter &painter, const QRect &rect, int stripHeight)
 {
-    painter.fillRect(rect, palette::grey(40));
+    painter.fillRect(rect, palette::cabinetEdge);
     const QRect inside = rect.adjusted(1, 1, -1, -1);
     painter.fillRect(inside, palette::body);
     // Light on the upper and left edge of the body, shade on the others.

@@ -57,6 +57,9 @@ void lampWindow(QPainter &painter, const QRect &rect);
 enum class Key { Rest, Down };
 // A key on the light panel. Its socket belongs to it: one pixel all around.
 void key(QPainter &painter, const QRect &rect, Key state);
+// Without its socket.
+void keyFace(QPainter &painter, const QRectF &face, Key state);
+void keySocket(QPainter &painter, const QRectF &socket);
 // A key of the dark title strip.
 void stripKey(QPainter &painter, const QRect &rect, Key state);
 QColor keyInk(Key state);

@@ -189,7 +189,7 @@ Sheet librarySheet(int ratio, bool imported)
     }
     list(sheet, templateList, 0, 5, true);
     scrollBar(sheet, templateScroll);
-    sheet.slice(fileButton.topLeft(), "t27r_nsw_file");
+    sheet.slice(fileButton.topLeft() + QPoint(0, 2), "t27r_nsw_file");
     if (imported) {
         sheet.slice(tab.topLeft(), "t27r_bak_lib_remote_off");
     }

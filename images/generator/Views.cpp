@@ -23,10 +23,12 @@ void paintBody(QPainter &painter, const QSize &size)
     painter.fillRect(QRect(QPoint(), size), palette::body);
 }
 
-// A field around a widget that shows or edits text: the text's own margins are inside already.
-void fieldAround(QPainter &painter, const QRect &widget, int above = 1, int below = 1)
+// A field around a widget that shows or edits text, up to two pixels before the key behind it.
+void fieldAround(QPainter &painter, const QRect &widget, int right)
 {
-    shapes::well(painter, widget.adjusted(-3, -above, 2, below), palette::field);
+    const QRect outer = widget.adjusted(-3, -1, 0, 1);
+    shapes::well(painter, QRect(outer.topLeft(), QSize(right - outer.left(), outer.height())),
+                 palette::field);
 }
 
 // Marks and the places of the cells. The letters stand above the first row, the numbers in a column
@@ -38,12 +40,6 @@ void knobGrid(QPainter &painter, const QRect &display, const KnobGrid &grid, int
     const QRect first = grid.at(0, 0);
     const QRect last = grid.at(3, 2);
     const QRect glass = display.adjusted(3, 3, -3, -3);
-    // Hairlines between the cells part the columns without boxing them in.
-    for (int column = 0; column < 3; ++column) {
-        const int x = (grid.at(column, 0).right() + 1 + grid.at(column + 1, 0).left()) / 2;
-        painter.fillRect(QRect(x, first.top(), 1, last.bottom() - first.top() + 1),
-                         palette::glassRule);
-    }
     const bool numbersRight = numberCentre > last.right();
     const int ruleX = numbersRight ? (last.right() + 7) : first.left() - 7;
     painter.fillRect(QRect(ruleX, first.top(), 1, last.bottom() - first.top() + 1),
@@ -74,13 +70,15 @@ void paintTab(QPainter &painter, const QSize &size, std::string_view caption, bo
 {
     const QRectF all{QPointF(), QSizeF(size)};
     const qreal centre = size.width() / 2.0;
-    const QRectF lamp(centre - 4.5, 10, 9, 9);
+    // Lamp and caption stand together in the middle.
+    const int top = size.height() / 2 - 14;
+    const QRectF lamp(centre - 4.5, top, 9, 9);
     if (lit) {
         shapes::rounded(painter, all, 3, palette::grey(30));
         shapes::rounded(painter, all.adjusted(1, 1, -1, -1), 2, palette::strip);
         painter.save();
         painter.setPen(Qt::NoPen);
-        QRadialGradient halo(lamp.center(), 17);
+        QRadialGradient halo(lamp.center(), 19);
         halo.setColorAt(0, QColor(0, 204, 0, 130));
         halo.setColorAt(1, QColor(0, 204, 0, 0));
         painter.setBrush(halo);
@@ -93,7 +91,7 @@ void paintTab(QPainter &painter, const QSize &size, std::string_view caption, bo
         shapes::rounded(painter, all.adjusted(1, 2, -1, -1), 2, palette::body);
         shapes::lampSocket(painter, lamp);
     }
-    shapes::textCentred(painter, Face::Small, QRect(0, 27, size.width(), 7), caption,
+    shapes::textCentred(painter, Face::Small, QRect(0, top + 17, size.width(), 7), caption,
                         lit ? palette::stripInk : palette::ink);
 }
 
@@ -102,6 +100,33 @@ void tabAt(QPainter &painter, const QRect &place, std::string_view caption, bool
     painter.save();
     painter.translate(place.topLeft());
     paintTab(painter, place.size(), caption, lit);
+    painter.restore();
+}
+
+// The row of knobs on the instrument that a row of the display stands for.
+void engravedKnobs(QPainter &painter, int x, int centre, int row)
+{
+    constexpr qreal radius = 5.5;
+    constexpr int pitch = 14;
+    // Pointers as someone has left them; a row of equal ones would look like a pattern.
+    constexpr std::array<std::array<int, 4>, 3> degrees{
+        {{-120, 20, 60, -40}, {100, 0, -70, -20}, {30, 130, -100, 70}}};
+    painter.save();
+    for (int column = 0; column < 4; ++column) {
+        const QPointF middle(x + radius + column * pitch, centre + 0.5);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(palette::light, 1));
+        painter.drawEllipse(middle + QPointF(0, 1), radius - 0.5, radius - 0.5);
+        painter.setPen(QPen(palette::shade, 1));
+        painter.drawEllipse(middle, radius - 0.5, radius - 0.5);
+        painter.translate(middle);
+        const int turn = degrees[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+        painter.rotate(turn);
+        painter.setPen(QPen(palette::outline, 1, Qt::SolidLine, Qt::FlatCap));
+        painter.drawLine(QPointF(0, -1), QPointF(0, -4.5));
+        painter.rotate(-turn);
+        painter.translate(-middle);
+    }
     painter.restore();
 }
 
@@ -126,15 +151,16 @@ void templateView(QPainter &painter, int, int)
 
     // The document.
     label(painter, marginLeft, fileName.top() + 10, "Document");
-    fieldAround(painter, fileName, 1, 1);
+    fieldAround(painter, fileName, fileName.right() + 3);
     shapes::lampSocket(painter, QRectF(bankEditLamp));
     shapes::lampSocket(painter, QRectF(fileEditLamp));
+    shapes::keySocket(painter, QRectF(storeButton));
 
     // The template.
     shapes::plate(painter, QRect(0, 20, size.width(), 28));
-    fieldAround(painter, templateName, 1, 1);
+    fieldAround(painter, templateName, templateSpin.left() - 2);
     labelBefore(painter, vstiName, 6, "VSTi");
-    fieldAround(painter, vstiName, 1, 1);
+    fieldAround(painter, vstiName, vstiPopup.left() - 2);
 
     // The twelve knobs.
     shapes::plate(painter, controllerPanel);
@@ -146,6 +172,9 @@ void templateView(QPainter &painter, int, int)
                         palette::ink);
     shapes::heading(painter, display.left() + 1, captions, marginRight, "REMOTE CONTROL KNOBS");
     knobGrid(painter, display, knobs, 105, 419);
+    for (int row = 0; row < 3; ++row) {
+        engravedKnobs(painter, 10, knobs.at(0, row).center().y(), row);
+    }
 
     // The knob that is selected.
     shapes::plate(painter, settingPanel);
@@ -155,14 +184,14 @@ void templateView(QPainter &painter, int, int)
     tabAt(painter, templateview::remoteTab, "Remote", false);
     tabAt(painter, templateview::ccTab, "CC", false);
     label(painter, remoteParameter.left() - 2, remoteParameter.top() - 5, "Parameter");
-    fieldAround(painter, remoteParameter);
+    fieldAround(painter, remoteParameter, remotePopup.left() - 2);
     const int left = displayName.left() - 3;
     label(painter, left + 1, ccNumber.top() - 5, "CC Number");
     shapes::well(painter, QRect(left, ccNumber.top() - 1, ccSpin.left() - 2 - left, 17),
                  palette::field);
     labelBefore(painter, ccPopup, 5, "CC List");
     label(painter, left + 1, displayName.top() - 5, "Display Name");
-    fieldAround(painter, displayName);
+    fieldAround(painter, displayName, displayName.right() + 3);
     label(painter, left + 1, formatPlain.top() - 6, "Display Format");
     labelBefore(painter, formatPlain, 4, "0 to 127");
     labelBefore(painter, formatCentred, 4, "-64 to +63");
@@ -174,7 +203,7 @@ void libraryView(QPainter &painter, int, int)
     paintBody(painter, size);
 
     shapes::heading(painter, marginLeft, okButton.top() + 10, okButton.left() - 8, "LIBRARY");
-    fieldAround(painter, fileName, 1, 0);
+    fieldAround(painter, fileName, fileButton.left() - 2);
     shapes::textRight(painter, Face::Small, templateScroll.right(), importButton.top() + 10,
                       "Templates", palette::ink);
 
@@ -193,13 +222,21 @@ void libraryView(QPainter &painter, int, int)
         painter.fillRect(QRect(ground.left(), ground.top(), ground.width(), 1), palette::grey(30));
     }
 
+    // Until a file is open no list covers this. It lies inside of one row, so that nothing of it
+    // shows between the rows of the list later.
+    constexpr int hintRow = 5;
+    shapes::textCentred(
+        painter, Face::Large,
+        QRect(importList.left(), firstRow + hintRow * rowPitch, importList.width(), rowHeight),
+        "Open a file to import from", palette::listInk);
+
     // The template under the cursor.
     shapes::plate(painter,
                   QRect(0, preview.top() - 3, size.width(), size.height() - preview.top() + 3));
     shapes::heading(painter, marginLeft, preview.top() + 12, marginRight, "PREVIEW");
     tabAt(painter, tab, "CC", true);
     labelBefore(painter, vsti, 8, "VSTi");
-    fieldAround(painter, vsti, 1, 1);
+    fieldAround(painter, vsti, vsti.right() + 3);
     knobGrid(painter, QRect(84, 280, marginRight - 84, 117), knobs, 292, 95);
 }
 

@@ -16,7 +16,7 @@ using shapes::Face;
 // The window's right margin for lettering is the view's.
 constexpr int marginRight = mainwindow::view.x() + templateview::size.width();
 
-void window(QPainter &painter, const QSize &size, const QRect &sizeButton)
+void window(QPainter &painter, const QSize &size)
 {
     shapes::cabinet(painter, QRect(QPoint(), size), mainwindow::stripHeight);
 
@@ -34,28 +34,23 @@ void window(QPainter &painter, const QSize &size, const QRect &sizeButton)
     shapes::textRight(painter, Face::Expanded, productX - 8, baseline, maker, palette::stripInk);
 
     const QRect lamp = mainwindow::online;
-    shapes::lampWindow(painter, lamp.adjusted(0, -3, 0, 3));
+    shapes::lampWindow(painter, lamp.adjusted(0, -3, 0, 2));
     painter.save();
     painter.translate(lamp.topLeft());
     onlineLamp(painter, false);
     painter.restore();
-    const int ruleX = lamp.right() + 1 + 9;
-    shapes::grooveAcross(painter, ruleX, lamp.center().y(), marginRight - ruleX);
-
-    // A notch in the lower edge, in which the button that changes the size lies.
-    shapes::rounded(painter, QRectF(sizeButton).adjusted(-1, -1, 1, 3), 3, palette::shade);
 }
 
 } // namespace
 
 void windowLarge(QPainter &painter, int, int)
 {
-    window(painter, mainwindow::large, mainwindow::sizeButtonLarge);
+    window(painter, mainwindow::large);
 }
 
 void windowSmall(QPainter &painter, int, int)
 {
-    window(painter, mainwindow::small, mainwindow::sizeButtonSmall);
+    window(painter, mainwindow::small);
 }
 
 void pointer(QPainter &painter, int, int)

@@ -288,7 +288,9 @@ private Q_SLOTS:
                  QStringLiteral(":/images/none.png"));
         QCOMPARE(artworkFile(QString(), 2), QString());
         QVERIFY(artwork(QStringLiteral(":/images/none.png"), 2).isNull());
+        // The screen of this test is a plain one.
         QCOMPARE(artworkFile(path("vd_arrow")), path("vd_arrow"));
+        QCOMPARE(artworkFile(":/images/vd_arrow.png"), path("vd_arrow"));
     }
 
     void theStoreFlashFadesByItsAlphaChannel()
@@ -330,7 +332,7 @@ private Q_SLOTS:
         QTest::newRow("text over the running light") << ink << accent;
         QTest::newRow("error") << warning << glass;
         QTest::newRow("sign") << cellLifted << ink;
-        QTest::newRow("list, odd row") << grey(182) << listOdd;
+        QTest::newRow("list, odd row") << listInk << listOdd;
     }
 
     void lettersStandOutFromTheirGround()
