@@ -66,7 +66,4 @@ inline constexpr QColor listInk = grey(182);
 // What surrounds a dialogue box: the body, dimmed.
 inline constexpr QColor dimmed = grey(118);
 
-// A message that something failed.
-inline constexpr QColor warning{150, 28, 18};
-
 } // namespace palette

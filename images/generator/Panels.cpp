@@ -129,6 +129,37 @@ void lights(QPainter &painter)
     }
 }
 
+// What all this is for: a keyboard, whose nineteen white keys are as wide as the content.
+void keyboard(QPainter &painter, int top, int height)
+{
+    constexpr int whiteKeys = 19;
+    constexpr int width = (contentRight - contentLeft) / whiteKeys;
+    static_assert(width * whiteKeys == contentRight - contentLeft);
+    const QRect bed(contentLeft - bezel, top, contentRight - contentLeft + 2 * bezel, height);
+    shapes::rounded(painter, QRectF(bed).adjusted(0, 1, 0, 1), 4, palette::light);
+    shapes::rounded(painter, bed, 4, palette::bezel);
+    shapes::roundedEdge(painter, bed, 4, palette::grey(30));
+    const int keyTop = top + bezel;
+    const int keyHeight = height - 2 * bezel;
+    for (int index = 0; index < whiteKeys; ++index) {
+        const QRectF whiteKey(contentLeft + index * width + 0.5, keyTop, width - 1, keyHeight);
+        shapes::rounded(painter, whiteKey, 1.5, palette::grey(176));
+        shapes::rounded(painter, whiteKey.adjusted(0, 0, 0, -2), 1.5, palette::grey(232));
+        painter.fillRect(QRectF(whiteKey.left(), whiteKey.top(), whiteKey.width(), 3),
+                         palette::grey(196));
+    }
+    // None between the third and the fourth key of an octave, and none behind its last.
+    constexpr int octave = 7;
+    for (int index = 1; index < whiteKeys; ++index) {
+        if (index % octave == 0 || index % octave == 3) {
+            continue;
+        }
+        const QRectF blackKey(contentLeft + index * width - 4, keyTop, 8, keyHeight * 3 / 5);
+        shapes::rounded(painter, blackKey, 1.5, palette::grey(30));
+        shapes::rounded(painter, blackKey.adjusted(1, 0, -1, -3), 1, palette::grey(72));
+    }
+}
+
 } // namespace
 
 void panelAbout(QPainter &painter, int, int)
@@ -137,8 +168,9 @@ void panelAbout(QPainter &painter, int, int)
     shapes::display(painter, displayBetween(133, 233));
     constexpr std::string_view name = "TARN/TERN";
     const int width = shapes::textWidth(Face::Expanded, name, 2);
-    shapes::textScaled(painter, Face::Expanded, 2, message.center().x() + 1 - width / 2, 160, name,
+    shapes::textScaled(painter, Face::Expanded, 2, message.center().x() + 1 - width / 2, 159, name,
                        palette::ink);
+    keyboard(painter, 243, 54);
 }
 
 void panelSynchronisation(QPainter &painter, int, int)
@@ -209,9 +241,11 @@ void panelResetFactory(QPainter &painter, int, int)
 
 void synchronisationError(QPainter &painter, int, int)
 {
+    // In reverse, as displays of this kind say what must not be overlooked.
     const QRect all(QPoint(), runningMessage.size());
+    shapes::rounded(painter, all, 2, palette::ink);
     shapes::textCentred(painter, Face::Large, all, "Communication error. Please try again.",
-                        palette::warning);
+                        palette::cellLifted);
 }
 
 } // namespace drawings

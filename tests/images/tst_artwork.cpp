@@ -330,8 +330,7 @@ private Q_SLOTS:
         QTest::newRow("lamp unlit") << unlitInk << window;
         QTest::newRow("lamp lit") << accent << window;
         QTest::newRow("text over the running light") << ink << accent;
-        QTest::newRow("error") << warning << glass;
-        QTest::newRow("sign") << cellLifted << ink;
+        QTest::newRow("sign and error") << cellLifted << ink;
         QTest::newRow("list, odd row") << listInk << listOdd;
     }
 
