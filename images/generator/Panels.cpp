@@ -154,7 +154,7 @@ void keyboard(QPainter &painter, int top, int height)
         if (index % octave == 0 || index % octave == 3) {
             continue;
         }
-        const QRectF blackKey(contentLeft + index * width - 4, keyTop, 8, keyHeight * 3 / 5);
+        const QRectF blackKey(contentLeft + index * width - 4, keyTop, 8, keyHeight * 0.6);
         shapes::rounded(painter, blackKey, 1.5, palette::grey(30));
         shapes::rounded(painter, blackKey.adjusted(1, 0, -1, -3), 1, palette::grey(72));
     }
