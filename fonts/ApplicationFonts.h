@@ -4,7 +4,9 @@
 #include <QtCore/QString>
 
 // The program's own font families. Each is drawn pixel by pixel for one size, and is crisp there
-// and at whole multiples of it.
+// and at whole multiples of it, whatever hinting the system asks for. With letter spacing of a
+// fraction of a pixel, ask for QFont::PreferNoHinting: under full hinting Qt rounds each advance
+// before it adds the spacing, and a hole opens at every tenth letter.
 
 // Labels, menus, editors and popups; 8 pixels. Line spacing 10 pixels.
 inline constexpr QLatin1String FontFamilyQRL8("Corvan QRL 8");
