@@ -141,6 +141,7 @@ void keyboard(QPainter &painter, int top, int height)
     shapes::roundedEdge(painter, bed, 4, palette::grey(30));
     const int keyTop = top + bezel;
     const int keyHeight = height - 2 * bezel;
+    const int blackHeight = keyHeight * 3 / 5;
     for (int index = 0; index < whiteKeys; ++index) {
         const QRectF whiteKey(contentLeft + index * width + 0.5, keyTop, width - 1, keyHeight);
         shapes::rounded(painter, whiteKey, 1.5, palette::grey(176));
@@ -154,7 +155,7 @@ void keyboard(QPainter &painter, int top, int height)
         if (index % octave == 0 || index % octave == 3) {
             continue;
         }
-        const QRectF blackKey(contentLeft + index * width - 4, keyTop, 8, keyHeight * 0.6);
+        const QRectF blackKey(contentLeft + index * width - 4, keyTop, 8, blackHeight);
         shapes::rounded(painter, blackKey, 1.5, palette::grey(30));
         shapes::rounded(painter, blackKey.adjusted(1, 0, -1, -3), 1, palette::grey(72));
     }
