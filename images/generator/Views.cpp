@@ -41,10 +41,10 @@ void knobGrid(QPainter &painter, const QRect &display, const KnobGrid &grid, int
     const QRect last = grid.at(3, 2);
     const QRect glass = display.adjusted(3, 3, -3, -3);
     const bool numbersRight = numberCentre > last.right();
-    const int ruleX = numbersRight ? (last.right() + 7) : first.left() - 7;
+    const int ruleX = numbersRight ? (last.right() + 7) : first.left() - 6;
     painter.fillRect(QRect(ruleX, first.top(), 1, last.bottom() - first.top() + 1),
                      palette::glassRule);
-    painter.fillRect(QRect(glass.left() + 6, letterBaseline + 4, glass.width() - 12, 1),
+    painter.fillRect(QRect(glass.left() + 5, letterBaseline + 4, glass.width() - 10, 1),
                      palette::glassRule);
     for (int column = 0; column < 4; ++column) {
         const QRect cell = grid.at(column, 0);
@@ -237,7 +237,7 @@ void libraryView(QPainter &painter, int, int)
     tabAt(painter, tab, "CC", true);
     labelBefore(painter, vsti, 8, "VSTi");
     fieldAround(painter, vsti, vsti.right() + 3);
-    knobGrid(painter, QRect(84, 280, marginRight - 84, 117), knobs, 292, 95);
+    knobGrid(painter, QRect(84, 280, marginRight - 84, 117), knobs, 292, 92);
 }
 
 void selectedCell(QPainter &painter, int, int)
