@@ -51,7 +51,7 @@ void spinKey(QPainter &painter, const QSize &size, int row)
     const QColor ink = palette::ink;
     shapes::arrow(painter, QPoint(centre, 3), 3, shapes::Direction::Up,
                   row == 1 ? palette::accent : ink);
-    shapes::arrow(painter, QPoint(centre, size.height() - 3), 3, shapes::Direction::Down,
+    shapes::arrow(painter, QPoint(centre, size.height() - 4), 3, shapes::Direction::Down,
                   row == 2 ? palette::accent : ink);
 }
 
@@ -126,7 +126,7 @@ void windowSize(QPainter &painter, int category, int row)
     painter.fillRect(QRect(0, size.height() - 1, size.width(), 1), palette::cabinetEdge);
     const int centre = size.width() / 2;
     if (category == 0) {
-        shapes::arrow(painter, QPoint(centre, 7), 3, shapes::Direction::Down,
+        shapes::arrow(painter, QPoint(centre, 6), 3, shapes::Direction::Down,
                       shapes::keyInk(state));
     } else {
         shapes::arrow(painter, QPoint(centre, 3), 3, shapes::Direction::Up, shapes::keyInk(state));

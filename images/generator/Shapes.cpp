@@ -257,23 +257,17 @@ void lampLit(QPainter &painter, const QRectF &circle)
 void arrow(QPainter &painter, const QPoint &tip, int height, Direction direction,
            const QColor &color)
 {
-    QPolygonF triangle;
-    const QPointF point(tip);
-    switch (direction) {
-    case Direction::Up:
-        triangle << point << point + QPointF(height, height) << point + QPointF(-height, height);
-        break;
-    case Direction::Down:
-        triangle << point << point + QPointF(height, -height) << point + QPointF(-height, -height);
-        break;
-    case Direction::Right:
-        triangle << point << point + QPointF(-height, height) << point + QPointF(-height, -height);
-        break;
-    }
+    // From the middle of the tip's pixel and without antialiasing the rows are 1, 3, 5 ... pixels
+    // wide and symmetric; at two device pixels per pixel the steps become half as high.
+    const qreal x = tip.x() + 0.5;
+    const qreal top = direction == Direction::Up ? tip.y() : tip.y() + 1;
+    const qreal base = direction == Direction::Up ? top + height : top - height;
     painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    painter.drawPolygon(triangle);
+    painter.drawPolygon(
+        QPolygonF{QPointF(x, top), QPointF(x + height, base), QPointF(x - height, base)});
     painter.restore();
 }
 

@@ -67,8 +67,8 @@ QColor keyInk(Key state);
 void lampSocket(QPainter &painter, const QRectF &circle);
 void lampLit(QPainter &painter, const QRectF &circle);
 
-enum class Direction { Up, Down, Right };
-// A triangle whose base is twice its height and stands on whole pixels.
+enum class Direction { Up, Down };
+// A triangle of this many rows. The tip is the pixel at its end.
 void arrow(QPainter &painter, const QPoint &tip, int height, Direction direction,
            const QColor &color);
 

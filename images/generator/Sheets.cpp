@@ -124,7 +124,7 @@ Sheet templateSheet(int ratio, bool online, bool pressed)
     sheet.text(templateName.adjusted(2, 0, 0, 0), QStringLiteral("Vintage Poly"));
     sheet.slice(templateSpin.topLeft(), "vd_nsw_inc_dec_l", pressed ? 2 : 0);
     sheet.slice(templatePopup.topLeft(), "vd_nsw_popup_s", row);
-    sheet.text(vstiName.adjusted(2, 0, 0, 0), QStringLiteral("Prologue"));
+    sheet.text(vstiName.adjusted(2, 0, 0, 0), QStringLiteral("PolySynth"));
     sheet.slice(vstiPopup.topLeft(), "vd_nsw_popup_s", row);
     sheet.slice(remoteRadio.topLeft(), "trn_tsw_radiobtn_cc_rem", pressed ? 1 : 0);
     sheet.slice(ccRadio.topLeft(), "trn_tsw_radiobtn_cc_rem", pressed ? 0 : 1);
@@ -193,7 +193,7 @@ Sheet librarySheet(int ratio, bool imported)
     if (imported) {
         sheet.slice(tab.topLeft(), "t27r_bak_lib_remote_off");
     }
-    sheet.text(vsti, QStringLiteral("Prologue"));
+    sheet.text(vsti, QStringLiteral("PolySynth"));
     knobs(sheet, libraryview::knobs, -1, 21);
     return sheet;
 }
@@ -266,7 +266,7 @@ Sheet panelSheet(int ratio, const Sheet &window, const PanelSheet &panel)
         light.slice(QPoint(12 * 7, 0), "trn_led_autosync");
         overlay.paste(runningLight.topLeft(), light);
         overlay.text(runningMessage, QStringLiteral("Scanning VSTi"), Face::Large, Qt::AlignCenter);
-        overlay.text(scannedFile, QStringLiteral("[File: Prologue.vst3]"), Face::Small,
+        overlay.text(scannedFile, QStringLiteral("[File: PolySynth.vst3]"), Face::Small,
                      Qt::AlignCenter);
     }
     if (background == "trn_bak_autosync") {
