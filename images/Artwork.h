@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtCore/QString>
+#include <QtGui/QPixmap>
+
+// Every picture lies in the program twice, as ":/images/name.png" and, drawn for two device pixels
+// per pixel, as ":/images/name@2x.png". QPixmap loads the file that it is told and knows the second
+// by its name: its device pixel ratio is then 2, and its size in device independent pixels that of
+// the first. It doesn't choose between the two; these do.
+//
+// Both take the path of the first file. A path without a counterpart, or of no picture at all, is
+// used as it is.
+
+// The path of the file for this many device pixels per pixel. Between the two it is the finer one,
+// since a picture looks better made smaller than made larger.
+QString artworkFile(const QString &path, qreal devicePixelRatio);
+
+// As above for the finest screen that the program shows on. For code that loads its pictures once,
+// such as a form: a window may move to another screen later, and the finer picture serves on both.
+// Thread: GUI.
+QString artworkFile(const QString &path);
+// For generated code, which says a path as a literal of Latin letters.
+QString artworkFile(const char *path);
+
+// The picture for this many device pixels per pixel; null if there is none. Thread: GUI.
+QPixmap artwork(const QString &path, qreal devicePixelRatio);
