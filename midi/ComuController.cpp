@@ -8,6 +8,9 @@
 #include "midi/TAppMIDIOut.h"
 #include "midi/TUniMIDIPortAccessor.h"
 
+#include <algorithm>
+#include <utility>
+
 std::atomic<std::uint64_t> ComuController::s_timeCounter{0};
 
 ComuController::ComuController(SysExParamChangeAddressTransTable *sysExTable)
@@ -162,6 +165,30 @@ QStringList ComuController::getOutputPortList()
 {
     portAccessor()->updatePortInfo();
     return portAccessor()->getOutputPortList();
+}
+
+TMIDITransport::Link ComuController::portLink()
+{
+    TMIDITransport::Link worst = TMIDITransport::Link::Connected;
+    for (const TAppMIDIIn *transporter : std::as_const(m_midiInTransporters)) {
+        worst = std::max(worst, transporter->link());
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    for (const TAppMIDIOut *transporter : std::as_const(m_midiOutTransporters)) {
+        worst = std::max(worst, transporter->link());
+    }
+    return worst;
+}
+
+void ComuController::abandonPorts()
+{
+    for (TAppMIDIIn *transporter : std::as_const(m_midiInTransporters)) {
+        transporter->abandon();
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    for (TAppMIDIOut *transporter : std::as_const(m_midiOutTransporters)) {
+        transporter->abandon();
+    }
 }
 
 void ComuController::CloseAllOpendPortAndDeleteAllTransporters()

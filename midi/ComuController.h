@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/Locks.h"
+#include "midi/TMIDITransport.h"
 
 #include <QtCore/QMap>
 #include <QtCore/QObject>
@@ -60,6 +61,10 @@ public Q_SLOTS:
     QStringList getInputPortList();
     QStringList getOutputPortList();
     void CloseAllOpendPortAndDeleteAllTransporters(); // historical spelling
+    // The worst of all open ports.
+    TMIDITransport::Link portLink();
+    // TMIDITransport::abandon() for all open ports, for one who closes them after a failure.
+    void abandonPorts();
 
 private:
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor; // null until first needed
