@@ -9,6 +9,7 @@
 #include <QtCore/QStringList>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -36,6 +37,11 @@ public:
     // sysExTable is not owned and outlives this object.
     explicit ComuController(SysExParamChangeAddressTransTable *sysExTable);
     ~ComuController() override;
+
+    // midiOutDispatch() for each of count events in turn, up to the first failure. All that have
+    // the same port are sent in one go: no other thread's event comes between them.
+    std::uint32_t midiOutDispatchAll(const tagMPEVENT *events, std::size_t count,
+                                     _MPASYNC_MODE mode);
 
     // Not owned by the caller.
     // Made when it is first needed, since making it asks the platform's service for its ports, and
@@ -67,9 +73,13 @@ public Q_SLOTS:
     void abandonPorts();
 
 private:
+    std::uint32_t dispatchToOnePort(const tagMPEVENT *events, std::size_t count);
+
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor; // null until first needed
     QMap<int, TAppMIDIIn *> m_midiInTransporters;         // owned; GUI thread only
     QMap<int, TAppMIDIOut *> m_midiOutTransporters;       // owned; guarded by m_mapMutex
+    // How often the map of outputs has changed; changed under m_mapMutex.
+    std::atomic<std::uint32_t> m_outputChanges{0};
     // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that
     // wait for it, so that closing everything cannot take it from under them.
     QMap<int, std::shared_ptr<RecursiveMutex>> m_midiOutMutexes;

@@ -4,10 +4,12 @@
 #include "app/Locks.h"
 #include "memory/ParamAddress.h"
 #include "midi/MPEvent.h"
+#include "protocol/SysExBytes.h"
 
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QVarLengthArray>
 
 #include <array>
 #include <memory>
@@ -99,23 +101,48 @@ public:
     bool enqueueStoreToFlash();
 
 private:
+    // A message under construction; the longest of the protocol needs no heap.
+    using Message = QVarLengthArray<unsigned char, SysEx::LongestMessage + 2>;
+    // The bytes of all events of a group stand behind one another, since a run queues 1,500 of
+    // them; the events' longData is set when the group is sent.
     struct Group
     {
         bool first = false; // the wait mark
-        std::vector<OwnedMPEvent> second;
+        std::vector<tagMPEVENT> second;
+        std::vector<unsigned char> bytes;
+
+        void append(const tagMPEVENT &event);
+        void clear();
     };
     using GroupPointer = std::shared_ptr<Group>;
-    class SendLock;
+    // The memory's lock, then the queue's: the order on the whole way out.
+    class SendLock
+    {
+    public:
+        explicit SendLock(MessageEncoder *encoder);
 
-    void fillEvent(tagMPEVENT *event, const std::vector<unsigned char> &message, int port) const;
-    std::vector<unsigned char> messageStart(unsigned char messageClass) const;
-    std::vector<unsigned char> bulkBlockStart(unsigned char high, unsigned char mid,
-                                              unsigned char low) const;
-    static void finishBulkBlock(std::vector<unsigned char> *block);
-    void appendText(std::vector<unsigned char> *block, const ParamAddress &address,
-                    int length) const;
-    void appendNumber(std::vector<unsigned char> *block, const ParamAddress &address) const;
-    bool enqueue(OwnedMPEvent event);
+    private:
+        RecursiveMutexLocker m_memoryLock;
+        RecursiveMutexLocker m_queueLock;
+    };
+
+    static tagMPEVENT eventOf(Message *message, int port);
+    static void fillEvent(tagMPEVENT *event, Message *message, int port);
+    Message messageStart(unsigned char messageClass) const;
+    Message bulkBlockStart(unsigned char high, unsigned char mid, unsigned char low,
+                           int dataLength) const;
+    static void finishBulkBlock(Message *block);
+    bool buildParamChange(const unsigned char *address, const unsigned char *data, int count,
+                          Message *message) const;
+    Message buildParamReq(const unsigned char *address) const;
+    bool buildBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                               Message *message) const;
+    bool buildBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                                  Message *message) const;
+    bool buildBulkContent(int block, int bank, int template_, Message *message) const;
+    // Takes a copy of the event and its bytes. Under both locks.
+    bool bufferCopy(const tagMPEVENT &event);
+    bool enqueue(Message *message);
     bool enqueueKnobChanges(int bank, int template_, int knob);
     bool enqueueNamedRequest(const char *name);
     bool failed();

@@ -4,6 +4,9 @@
 #include "memory/RemoteMemAPI.h"
 #include "protocol/SysExBytes.h"
 
+#include <algorithm>
+#include <iterator>
+
 // Dumps and requests of whole templates, replays as parameter changes, and the store messages.
 //
 // A dump of one template is 15 messages: header, template block, knob blocks 0 to 11, footer.
@@ -37,6 +40,35 @@ bool isBulkType(MessageEncoder::BulkType type)
     return type == MessageEncoder::BulkStored || type == MessageEncoder::BulkEditBuffer;
 }
 
+unsigned char checksum(const unsigned char *block, std::size_t size)
+{
+    unsigned sum = 0;
+    for (std::size_t i = SysEx::PositionCount; i < size; ++i) {
+        sum += block[i] & 0x7Fu;
+    }
+    return static_cast<unsigned char>((0u - sum) & 0x7Fu);
+}
+
+void byteCount(std::size_t size, unsigned char *high, unsigned char *low)
+{
+    const std::size_t count = size < BytesBeforeData ? 0 : size - BytesBeforeData;
+    *high = static_cast<unsigned char>((count >> 7) & 0x7F);
+    *low = static_cast<unsigned char>(count & 0x7F);
+}
+
+// Cut at the field's length, or filled with blanks.
+void putText(unsigned char *field, int length, const QString &text)
+{
+    const auto count = std::min<qsizetype>(length, text.size());
+    std::transform(text.cbegin(), text.cbegin() + count, field, SysEx::dataByte);
+    std::fill(field + count, field + length, static_cast<unsigned char>(' '));
+}
+
+unsigned char numberByte(const NumericParameter &parameter)
+{
+    return static_cast<unsigned char>(parameter.getCurrentValue() & 0xFF);
+}
+
 bool isTemplateNumber(int number)
 {
     return number >= 0 && number < ParamAddress::TemplateCount;
@@ -44,120 +76,139 @@ bool isTemplateNumber(int number)
 
 } // namespace
 
-std::vector<unsigned char> MessageEncoder::bulkBlockStart(unsigned char high, unsigned char mid,
-                                                          unsigned char low) const
+// dataLength: of the bytes that the caller fills in, from BytesBeforeData on.
+MessageEncoder::Message MessageEncoder::bulkBlockStart(unsigned char high, unsigned char mid,
+                                                       unsigned char low, int dataLength) const
 {
-    std::vector<unsigned char> block = messageStart(SysEx::ClassBulk);
-    block.insert(block.end(), {0, 0, high, mid, low});
+    Message block = messageStart(SysEx::ClassBulk);
+    const unsigned char place[] = {0, 0, high, mid, low};
+    block.append(place, std::size(place));
+    block.resize(block.size() + dataLength);
     return block;
 }
 
 unsigned char MessageEncoder::CreateBulkChecksum(const std::vector<unsigned char> &block)
 {
-    unsigned sum = 0;
-    for (std::size_t i = SysEx::PositionCount; i < block.size(); ++i) {
-        sum += block[i] & 0x7Fu;
-    }
-    return static_cast<unsigned char>((0u - sum) & 0x7Fu);
+    return checksum(block.data(), block.size());
 }
 
 void MessageEncoder::CreateByteCount(const std::vector<unsigned char> &block, unsigned char *high,
                                      unsigned char *low)
 {
-    const std::size_t count = block.size() < BytesBeforeData ? 0 : block.size() - BytesBeforeData;
-    *high = static_cast<unsigned char>((count >> 7) & 0x7F);
-    *low = static_cast<unsigned char>(count & 0x7F);
+    byteCount(block.size(), high, low);
 }
 
-void MessageEncoder::finishBulkBlock(std::vector<unsigned char> *block)
+void MessageEncoder::finishBulkBlock(Message *block)
 {
-    CreateByteCount(*block, &(*block)[SysEx::PositionCount], &(*block)[SysEx::PositionCount + 1]);
-    block->push_back(CreateBulkChecksum(*block));
-    block->push_back(SysEx::End);
+    const auto size = static_cast<std::size_t>(block->size());
+    unsigned char *bytes = block->data();
+    byteCount(size, bytes + SysEx::PositionCount, bytes + SysEx::PositionCount + 1);
+    const unsigned char end[] = {checksum(bytes, size), SysEx::End};
+    block->append(end, std::size(end));
 }
 
-void MessageEncoder::appendText(std::vector<unsigned char> *block, const ParamAddress &address,
-                                int length) const
+bool MessageEncoder::buildBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                                           Message *message) const
 {
-    const QString text = m_memAPI->getParamQString(address);
-    for (int i = 0; i < length; ++i) {
-        block->push_back(i < text.size() ? SysEx::dataByte(text.at(i))
-                                         : static_cast<unsigned char>(' '));
+    if (!isBulkType(type) || (kind != BulkHeader && kind != BulkFooter) ||
+        !isTemplateNumber(template_)) {
+        return false;
     }
-}
-
-void MessageEncoder::appendNumber(std::vector<unsigned char> *block,
-                                  const ParamAddress &address) const
-{
-    block->push_back(
-        static_cast<unsigned char>(m_memAPI->getParam(address).getCurrentValue() & 0xFF));
+    *message =
+        bulkBlockStart(kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter,
+                       bulkTypeByte(type), static_cast<unsigned char>(template_), 0);
+    finishBulkBlock(message);
+    return true;
 }
 
 bool MessageEncoder::createBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
                                             tagMPEVENT *event)
 {
-    if (event == nullptr || !isBulkType(type) || (kind != BulkHeader && kind != BulkFooter) ||
-        !isTemplateNumber(template_)) {
+    Message message;
+    if (event == nullptr || !buildBulkHeaderFooter(type, kind, template_, &message)) {
         return false;
     }
-    std::vector<unsigned char> block =
-        bulkBlockStart(kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter,
-                       bulkTypeByte(type), static_cast<unsigned char>(template_));
-    finishBulkBlock(&block);
-    fillEvent(event, block, m_portID);
+    fillEvent(event, &message, m_portID);
+    return true;
+}
+
+bool MessageEncoder::buildBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                                              Message *message) const
+{
+    if (!isBulkType(type) || kind != BulkHeader || !isTemplateNumber(template_)) {
+        return false;
+    }
+    *message = messageStart(SysEx::ClassBulkRequest);
+    const unsigned char rest[] = {SysEx::AddressBulkHeader, bulkTypeByte(type),
+                                  static_cast<unsigned char>(template_), SysEx::End};
+    message->append(rest, std::size(rest));
     return true;
 }
 
 bool MessageEncoder::createBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
                                                tagMPEVENT *event)
 {
-    if (event == nullptr || !isBulkType(type) || kind != BulkHeader ||
-        !isTemplateNumber(template_)) {
+    Message message;
+    if (event == nullptr || !buildBulkReqHeaderFooter(type, kind, template_, &message)) {
         return false;
     }
-    std::vector<unsigned char> message = messageStart(SysEx::ClassBulkRequest);
-    message.insert(message.end(), {SysEx::AddressBulkHeader, bulkTypeByte(type),
-                                   static_cast<unsigned char>(template_), SysEx::End});
-    fillEvent(event, message, m_portID);
+    fillEvent(event, &message, m_portID);
     return true;
 }
 
 bool MessageEncoder::enqueueBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_)
 {
-    OwnedMPEvent event(new tagMPEVENT);
-    if (!createBulkReqHeaderFooter(type, kind, template_, event.get())) {
+    Message message;
+    if (!buildBulkReqHeaderFooter(type, kind, template_, &message)) {
         return failed();
     }
-    return enqueue(std::move(event));
+    return enqueue(&message);
+}
+
+// Under the memory's lock. A place that does not exist gives blanks and zeros.
+bool MessageEncoder::buildBulkContent(int block, int bank, int template_, Message *message) const
+{
+    if (block < 0 || block >= BlockCount) {
+        return false;
+    }
+    static const QString none;
+    const ControlTemplateData *data = m_memAPI->AccessTemplate(bank, template_);
+    if (block == 0) {
+        *message = bulkBlockStart(SysEx::AddressTemplateData, SysEx::MidTemplate, 0,
+                                  SysEx::TemplateDataLength);
+        unsigned char *field = message->data() + BytesBeforeData;
+        putText(field, TemplateNameLength, data != nullptr ? data->getTemplateName() : none);
+        field += TemplateNameLength;
+        putText(field, VSTiNameLength, data != nullptr ? data->getVSTiName() : none);
+        field += VSTiNameLength;
+        field[0] = data != nullptr ? numberByte(data->getCtrlType()) : 0;
+        field[1] = 0; // reserved
+    } else {
+        const int knob = block - 1;
+        const ControllerData *held = data != nullptr ? data->AccessController(knob) : nullptr;
+        *message = bulkBlockStart(SysEx::AddressTemplateData,
+                                  static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0,
+                                  SysEx::KnobDataLength);
+        unsigned char *field = message->data() + BytesBeforeData;
+        putText(field, RemoteNumberLength, held != nullptr ? held->getRemoteTagID() : none);
+        field += RemoteNumberLength;
+        putText(field, DisplayNameLength, held != nullptr ? held->getDisplayName() : none);
+        field += DisplayNameLength;
+        field[0] = held != nullptr ? numberByte(held->getCCNum()) : 0;
+        field[1] = held != nullptr ? numberByte(held->getDispFormat()) : 0;
+    }
+    finishBulkBlock(message);
+    return true;
 }
 
 bool MessageEncoder::createBulkContent(int block, int bank, int template_, tagMPEVENT *event)
 {
-    if (event == nullptr || block < 0 || block >= BlockCount) {
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
+    Message message;
+    if (event == nullptr || !buildBulkContent(block, bank, template_, &message)) {
         return false;
     }
-    std::vector<unsigned char> bytes;
-    if (block == 0) {
-        bytes = bulkBlockStart(SysEx::AddressTemplateData, SysEx::MidTemplate, 0);
-        appendText(&bytes, ParamAddress(bank, template_, ParamAddress::TemplateName, -1),
-                   TemplateNameLength);
-        appendText(&bytes, ParamAddress(bank, template_, ParamAddress::VSTiName, -1),
-                   VSTiNameLength);
-        appendNumber(&bytes, ParamAddress(bank, template_, ParamAddress::ControlType, -1));
-        bytes.push_back(0); // reserved
-    } else {
-        const int knob = block - 1;
-        bytes = bulkBlockStart(SysEx::AddressTemplateData,
-                               static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0);
-        appendText(&bytes, ParamAddress(bank, template_, knob, ParamAddress::RemoteNumber),
-                   RemoteNumberLength);
-        appendText(&bytes, ParamAddress(bank, template_, knob, ParamAddress::DisplayName),
-                   DisplayNameLength);
-        appendNumber(&bytes, ParamAddress(bank, template_, knob, ParamAddress::CCNumber));
-        appendNumber(&bytes, ParamAddress(bank, template_, knob, ParamAddress::DisplayFormat));
-    }
-    finishBulkBlock(&bytes);
-    fillEvent(event, bytes, m_portID);
+    fillEvent(event, &message, m_portID);
     return true;
 }
 
@@ -168,29 +219,23 @@ bool MessageEncoder::enqueue1TemplateBulk(int bank, int template_)
     }
     // Crosswise to the numbers: bank 0 mirrors the device's edit buffer.
     const BulkType type = bank == Bank::EditBuffer ? BulkEditBuffer : BulkStored;
-    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
-
-    OwnedMPEvent header(new tagMPEVENT);
-    if (!createBulkHeaderFooter(type, BulkHeader, template_, header.get())) {
+    const SendLock lock(this);
+    Message message;
+    if (!buildBulkHeaderFooter(type, BulkHeader, template_, &message) ||
+        !bufferCopy(eventOf(&message, m_portID))) {
         return failed();
-    }
-    if (!enqueue(std::move(header))) {
-        return false;
     }
     for (int block = 0; block < BlockCount; ++block) {
-        OwnedMPEvent contents(new tagMPEVENT);
-        if (!createBulkContent(block, bank, template_, contents.get())) {
+        if (!buildBulkContent(block, bank, template_, &message) ||
+            !bufferCopy(eventOf(&message, m_portID))) {
             return failed();
         }
-        if (!enqueue(std::move(contents))) {
-            return false;
-        }
     }
-    OwnedMPEvent footer(new tagMPEVENT);
-    if (!createBulkHeaderFooter(type, BulkFooter, template_, footer.get())) {
+    if (!buildBulkHeaderFooter(type, BulkFooter, template_, &message) ||
+        !bufferCopy(eventOf(&message, m_portID))) {
         return failed();
     }
-    return enqueue(std::move(footer));
+    return true;
 }
 
 bool MessageEncoder::sendBulk(int bank, int template_)
@@ -301,9 +346,7 @@ bool MessageEncoder::sendStoreMessage()
 bool MessageEncoder::enqueueStoreToFlash()
 {
     // The shape of a dump block without data; its checksum is the constant 0x6F.
-    std::vector<unsigned char> block = bulkBlockStart(SysEx::AddressStoreToFlash, 0, 0);
+    Message block = bulkBlockStart(SysEx::AddressStoreToFlash, 0, 0, 0);
     finishBulkBlock(&block);
-    OwnedMPEvent event(new tagMPEVENT);
-    fillEvent(event.get(), block, m_portID);
-    return enqueue(std::move(event));
+    return enqueue(&block);
 }

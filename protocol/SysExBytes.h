@@ -60,6 +60,9 @@ inline constexpr int PositionModel = 2;
 inline constexpr int PositionCount = 4; // of a bulk block; two bytes, high seven bits first
 inline constexpr int PositionBulkAddress = 6;
 inline constexpr int PositionBulkData = 9; // the byte at device low address n stands at 9 + n
+// Data bytes of the contents blocks; checksum and end follow.
+inline constexpr int TemplateDataLength = 0x1B;
+inline constexpr int KnobDataLength = 0x1A;
 inline constexpr int PositionChangeAddress = 4;
 inline constexpr int PositionChangeData = 7;
 
