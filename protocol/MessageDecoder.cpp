@@ -42,7 +42,7 @@ unsigned char byteAt(const tagMPEVENT &event, int position)
 // run, and the first of them has ended already.
 bool areDataBytes(const unsigned char *bytes, int count)
 {
-    return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte < 0x80; });
+    return SysEx::areDataBytes(bytes, static_cast<std::size_t>(count));
 }
 
 bool isBulkType(unsigned char type)
@@ -342,8 +342,8 @@ bool MessageDecoder::isBulkChecksumCorrect(const tagMPEVENT &event) const
     // Data bytes from position 4, then the checksum, which stands before the end byte.
     const std::uint32_t checksum = event.length - 2;
     unsigned sum = event.longData[checksum];
-    for (std::uint32_t i = SysEx::PositionCount; i < checksum; ++i) {
-        sum += event.longData[i];
+    if (checksum > SysEx::PositionCount) {
+        sum += SysEx::sum7(event.longData + SysEx::PositionCount, checksum - SysEx::PositionCount);
     }
     return (sum & 0x7F) == 0;
 }

@@ -20,9 +20,8 @@ namespace
 constexpr int RemoteNumberLength = 9;
 // bufferingMsg tells messages apart by bytes 1 and 6.
 constexpr std::uint32_t ShortestMessage = 7;
-// What the dump of one template comes to.
-constexpr std::size_t DumpMessages = 15;
-constexpr std::size_t DumpBytes = 504;
+// Of the largest group, the dump of one template.
+constexpr int DumpMessages = 15;
 
 // A byte with bit 7 set would end the message at the receiver.
 bool isDataByte(unsigned char byte)
@@ -59,7 +58,7 @@ MessageEncoder::~MessageEncoder()
 
 void MessageEncoder::Group::append(const tagMPEVENT &event)
 {
-    second.push_back(event);
+    second.push_back({event.length, event.portID, event.eventType});
     bytes.insert(bytes.end(), event.longData, event.longData + event.length);
 }
 
@@ -71,20 +70,20 @@ void MessageEncoder::Group::clear()
 
 // --- Building messages ---------------------------------------------------------------------------
 
-// The event of a message that lives longer.
-tagMPEVENT MessageEncoder::eventOf(Message *message, int port)
+// The event of bytes that live longer.
+tagMPEVENT MessageEncoder::eventOf(unsigned char *bytes, std::uint32_t length, int port)
 {
     tagMPEVENT event;
     event.eventType = MPEventSysEx;
     event.portID = port;
-    event.length = static_cast<std::uint32_t>(message->size());
-    event.longData = message->data();
+    event.length = length;
+    event.longData = bytes;
     return event;
 }
 
 void MessageEncoder::fillEvent(tagMPEVENT *event, Message *message, int port)
 {
-    *event = eventOf(message, port);
+    *event = eventOf(nullptr, static_cast<std::uint32_t>(message->size()), port);
     event->longData = new unsigned char[event->length];
     std::copy(message->cbegin(), message->cend(), event->longData);
 }
@@ -151,7 +150,9 @@ bool MessageEncoder::failed()
 bool MessageEncoder::enqueue(Message *message)
 {
     const SendLock lock(this);
-    return bufferCopy(eventOf(message, m_portID)) || failed();
+    return bufferCopy(
+               eventOf(message->data(), static_cast<std::uint32_t>(message->size()), m_portID)) ||
+           failed();
 }
 
 bool MessageEncoder::enqueueParamChange(const unsigned char *address, const unsigned char *data,
@@ -280,12 +281,7 @@ bool MessageEncoder::bufferCopy(const tagMPEVENT &event)
     };
 
     if (b6 == SysEx::AddressBulkHeader && isDump && m_openGroup == nullptr) {
-        m_openGroup = std::make_shared<Group>();
-        m_openGroup->first = true;
-        m_openGroup->second.reserve(DumpMessages);
-        m_openGroup->bytes.reserve(DumpBytes);
-        m_openGroup->append(event);
-        m_transmitQueue.append(m_openGroup);
+        m_openGroup = startGroup(true);
         m_memAPI->incrementTransmitedBulkCounter();
         return true;
     }
@@ -340,13 +336,16 @@ bool MessageEncoder::sendMessage(bool *queueWasEmpty)
     while (!m_transmitQueue.isEmpty()) {
         const GroupPointer group = m_transmitQueue.takeFirst();
         // Taken out of the group, which may be the open one and then lives on without them.
-        std::vector<tagMPEVENT> events = std::exchange(group->second, {});
+        const std::vector<Group::Place> places = std::exchange(group->second, {});
         std::vector<unsigned char> bytes = std::exchange(group->bytes, {});
+        QVarLengthArray<tagMPEVENT, DumpMessages> events(static_cast<qsizetype>(places.size()));
         unsigned char *place = bytes.data();
-        for (tagMPEVENT &event : events) {
-            event.longData = std::exchange(place, place + event.length);
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            events[static_cast<qsizetype>(i)] = eventOf(place, places[i].length, places[i].port);
+            events[static_cast<qsizetype>(i)].eventType = places[i].eventType;
+            place += places[i].length;
         }
-        if (m_comuController->midiOutDispatchAll(events.data(), events.size(), MPAsyncSend) !=
+        if (m_comuController->midiOutDispatchAll(events.data(), places.size(), MPAsyncSend) !=
             MidiSuccess) {
             clearTransmitQueue(false);
             return false;

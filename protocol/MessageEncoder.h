@@ -17,6 +17,7 @@
 
 class AddressTransTable;
 class ComuController;
+class ControlTemplateData;
 class RemoteMemAPI;
 class SysExParamChangeAddressTransTable;
 
@@ -103,12 +104,18 @@ public:
 private:
     // A message under construction; the longest of the protocol needs no heap.
     using Message = QVarLengthArray<unsigned char, SysEx::LongestMessage + 2>;
-    // The bytes of all events of a group stand behind one another, since a run queues 1,500 of
-    // them; the events' longData is set when the group is sent.
+    // The bytes of a group's events stand behind one another, since a run queues 1,500 of them; the
+    // events themselves are made when the group is sent.
     struct Group
     {
+        struct Place
+        {
+            std::uint32_t length;
+            int port;
+            std::uint32_t eventType;
+        };
         bool first = false; // the wait mark
-        std::vector<tagMPEVENT> second;
+        std::vector<Place> second;
         std::vector<unsigned char> bytes;
 
         void append(const tagMPEVENT &event);
@@ -126,20 +133,22 @@ private:
         RecursiveMutexLocker m_queueLock;
     };
 
-    static tagMPEVENT eventOf(Message *message, int port);
+    static tagMPEVENT eventOf(unsigned char *bytes, std::uint32_t length, int port);
     static void fillEvent(tagMPEVENT *event, Message *message, int port);
     Message messageStart(unsigned char messageClass) const;
-    Message bulkBlockStart(unsigned char high, unsigned char mid, unsigned char low,
-                           int dataLength) const;
-    static void finishBulkBlock(Message *block);
     bool buildParamChange(const unsigned char *address, const unsigned char *data, int count,
                           Message *message) const;
     Message buildParamReq(const unsigned char *address) const;
-    bool buildBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
-                               Message *message) const;
     bool buildBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
                                   Message *message) const;
-    bool buildBulkContent(int block, int bank, int template_, Message *message) const;
+    // Each writes to block, which has room for the longest message.
+    unsigned char *putBlockStart(unsigned char *block, unsigned char high, unsigned char mid,
+                                 unsigned char low) const;
+    static unsigned char *putBlockEnd(unsigned char *block, unsigned char *dataEnd);
+    unsigned char *putHeaderFooter(unsigned char *block, BulkType type, BulkType2 kind,
+                                   int template_) const;
+    unsigned char *putContents(unsigned char *block, int number,
+                               const ControlTemplateData *data) const;
     // Takes a copy of the event and its bytes. Under both locks.
     bool bufferCopy(const tagMPEVENT &event);
     bool enqueue(Message *message);

@@ -29,6 +29,8 @@ constexpr int RemoteNumberLength = 9;
 constexpr int DisplayNameLength = 15;
 constexpr std::size_t BytesBeforeData = 9;
 constexpr int BlockCount = 1 + ParamAddress::KnobCount;
+// Header, template block, knob blocks, footer.
+constexpr std::size_t DumpBytes = 11 + 38 + 37 * ParamAddress::KnobCount + 11;
 
 unsigned char bulkTypeByte(MessageEncoder::BulkType type)
 {
@@ -42,10 +44,10 @@ bool isBulkType(MessageEncoder::BulkType type)
 
 unsigned char checksum(const unsigned char *block, std::size_t size)
 {
-    unsigned sum = 0;
-    for (std::size_t i = SysEx::PositionCount; i < size; ++i) {
-        sum += block[i] & 0x7Fu;
+    if (size <= SysEx::PositionCount) {
+        return 0;
     }
+    const unsigned sum = SysEx::sum7(block + SysEx::PositionCount, size - SysEx::PositionCount);
     return static_cast<unsigned char>((0u - sum) & 0x7Fu);
 }
 
@@ -76,15 +78,23 @@ bool isTemplateNumber(int number)
 
 } // namespace
 
-// dataLength: of the bytes that the caller fills in, from BytesBeforeData on.
-MessageEncoder::Message MessageEncoder::bulkBlockStart(unsigned char high, unsigned char mid,
-                                                       unsigned char low, int dataLength) const
+// Writes the bytes before the data, and says where the data begins.
+unsigned char *MessageEncoder::putBlockStart(unsigned char *block, unsigned char high,
+                                             unsigned char mid, unsigned char low) const
 {
-    Message block = messageStart(SysEx::ClassBulk);
-    const unsigned char place[] = {0, 0, high, mid, low};
-    block.append(place, std::size(place));
-    block.resize(block.size() + dataLength);
-    return block;
+    const unsigned char start[BytesBeforeData] = {
+        SysEx::Manufacturer, SysEx::ClassBulk, m_modelID[0], m_modelID[1], 0, 0, high, mid, low};
+    return std::copy(std::begin(start), std::end(start), block);
+}
+
+// Writes count, checksum and end of a block whose data ends at dataEnd, and says where it ends.
+unsigned char *MessageEncoder::putBlockEnd(unsigned char *block, unsigned char *dataEnd)
+{
+    const auto size = static_cast<std::size_t>(dataEnd - block);
+    byteCount(size, block + SysEx::PositionCount, block + SysEx::PositionCount + 1);
+    *dataEnd = checksum(block, size);
+    *++dataEnd = SysEx::End;
+    return ++dataEnd;
 }
 
 unsigned char MessageEncoder::CreateBulkChecksum(const std::vector<unsigned char> &block)
@@ -98,36 +108,25 @@ void MessageEncoder::CreateByteCount(const std::vector<unsigned char> &block, un
     byteCount(block.size(), high, low);
 }
 
-void MessageEncoder::finishBulkBlock(Message *block)
+unsigned char *MessageEncoder::putHeaderFooter(unsigned char *block, BulkType type, BulkType2 kind,
+                                               int template_) const
 {
-    const auto size = static_cast<std::size_t>(block->size());
-    unsigned char *bytes = block->data();
-    byteCount(size, bytes + SysEx::PositionCount, bytes + SysEx::PositionCount + 1);
-    const unsigned char end[] = {checksum(bytes, size), SysEx::End};
-    block->append(end, std::size(end));
-}
-
-bool MessageEncoder::buildBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
-                                           Message *message) const
-{
-    if (!isBulkType(type) || (kind != BulkHeader && kind != BulkFooter) ||
-        !isTemplateNumber(template_)) {
-        return false;
-    }
-    *message =
-        bulkBlockStart(kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter,
-                       bulkTypeByte(type), static_cast<unsigned char>(template_), 0);
-    finishBulkBlock(message);
-    return true;
+    const unsigned char high =
+        kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter;
+    return putBlockEnd(block, putBlockStart(block, high, bulkTypeByte(type),
+                                            static_cast<unsigned char>(template_)));
 }
 
 bool MessageEncoder::createBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
                                             tagMPEVENT *event)
 {
-    Message message;
-    if (event == nullptr || !buildBulkHeaderFooter(type, kind, template_, &message)) {
+    if (event == nullptr || !isBulkType(type) || (kind != BulkHeader && kind != BulkFooter) ||
+        !isTemplateNumber(template_)) {
         return false;
     }
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    message.resize(putHeaderFooter(message.data(), type, kind, template_) - message.data());
     fillEvent(event, &message, m_portID);
     return true;
 }
@@ -165,53 +164,53 @@ bool MessageEncoder::enqueueBulkReqHeaderFooter(BulkType type, BulkType2 kind, i
     return enqueue(&message);
 }
 
-// Under the memory's lock. A place that does not exist gives blanks and zeros.
-bool MessageEncoder::buildBulkContent(int block, int bank, int template_, Message *message) const
+// Under the memory's lock. data: null for a place that does not exist, which gives blanks and
+// zeros.
+unsigned char *MessageEncoder::putContents(unsigned char *block, int number,
+                                           const ControlTemplateData *data) const
 {
-    if (block < 0 || block >= BlockCount) {
-        return false;
-    }
     static const QString none;
-    const ControlTemplateData *data = m_memAPI->AccessTemplate(bank, template_);
-    if (block == 0) {
-        *message = bulkBlockStart(SysEx::AddressTemplateData, SysEx::MidTemplate, 0,
-                                  SysEx::TemplateDataLength);
-        unsigned char *field = message->data() + BytesBeforeData;
+    unsigned char *field = nullptr;
+    if (number == 0) {
+        field = putBlockStart(block, SysEx::AddressTemplateData, SysEx::MidTemplate, 0);
         putText(field, TemplateNameLength, data != nullptr ? data->getTemplateName() : none);
         field += TemplateNameLength;
         putText(field, VSTiNameLength, data != nullptr ? data->getVSTiName() : none);
         field += VSTiNameLength;
-        field[0] = data != nullptr ? numberByte(data->getCtrlType()) : 0;
-        field[1] = 0; // reserved
+        *field++ = data != nullptr ? numberByte(data->getCtrlType()) : 0;
+        *field++ = 0; // reserved
     } else {
-        const int knob = block - 1;
+        const int knob = number - 1;
         const ControllerData *held = data != nullptr ? data->AccessController(knob) : nullptr;
-        *message = bulkBlockStart(SysEx::AddressTemplateData,
-                                  static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0,
-                                  SysEx::KnobDataLength);
-        unsigned char *field = message->data() + BytesBeforeData;
+        field = putBlockStart(block, SysEx::AddressTemplateData,
+                              static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0);
         putText(field, RemoteNumberLength, held != nullptr ? held->getRemoteTagID() : none);
         field += RemoteNumberLength;
         putText(field, DisplayNameLength, held != nullptr ? held->getDisplayName() : none);
         field += DisplayNameLength;
-        field[0] = held != nullptr ? numberByte(held->getCCNum()) : 0;
-        field[1] = held != nullptr ? numberByte(held->getDispFormat()) : 0;
+        *field++ = held != nullptr ? numberByte(held->getCCNum()) : 0;
+        *field++ = held != nullptr ? numberByte(held->getDispFormat()) : 0;
     }
-    finishBulkBlock(message);
-    return true;
+    return putBlockEnd(block, field);
 }
 
 bool MessageEncoder::createBulkContent(int block, int bank, int template_, tagMPEVENT *event)
 {
-    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
-    Message message;
-    if (event == nullptr || !buildBulkContent(block, bank, template_, &message)) {
+    if (event == nullptr || block < 0 || block >= BlockCount) {
         return false;
     }
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    const unsigned char *end =
+        putContents(message.data(), block, m_memAPI->AccessTemplate(bank, template_));
+    message.resize(end - message.data());
     fillEvent(event, &message, m_portID);
     return true;
 }
 
+// The group that bufferingMsg() would make of the 15 messages one by one, made in one go: a send
+// run makes a hundred of them before its first byte goes out.
 bool MessageEncoder::enqueue1TemplateBulk(int bank, int template_)
 {
     if ((bank != Bank::EditBuffer && bank != Bank::Stored) || !isTemplateNumber(template_)) {
@@ -220,21 +219,26 @@ bool MessageEncoder::enqueue1TemplateBulk(int bank, int template_)
     // Crosswise to the numbers: bank 0 mirrors the device's edit buffer.
     const BulkType type = bank == Bank::EditBuffer ? BulkEditBuffer : BulkStored;
     const SendLock lock(this);
-    Message message;
-    if (!buildBulkHeaderFooter(type, BulkHeader, template_, &message) ||
-        !bufferCopy(eventOf(&message, m_portID))) {
+    if (m_openGroup != nullptr) {
         return failed();
     }
+    const ControlTemplateData *data = m_memAPI->AccessTemplate(bank, template_);
+    auto group = std::make_shared<Group>();
+    group->first = true;
+    group->second.reserve(BlockCount + 2);
+    group->bytes.resize(DumpBytes);
+    unsigned char *place = group->bytes.data();
+    const auto add = [this, &group, &place](unsigned char *end) {
+        group->second.push_back({static_cast<std::uint32_t>(end - place), m_portID, MPEventSysEx});
+        place = end;
+    };
+    add(putHeaderFooter(place, type, BulkHeader, template_));
     for (int block = 0; block < BlockCount; ++block) {
-        if (!buildBulkContent(block, bank, template_, &message) ||
-            !bufferCopy(eventOf(&message, m_portID))) {
-            return failed();
-        }
+        add(putContents(place, block, data));
     }
-    if (!buildBulkHeaderFooter(type, BulkFooter, template_, &message) ||
-        !bufferCopy(eventOf(&message, m_portID))) {
-        return failed();
-    }
+    add(putHeaderFooter(place, type, BulkFooter, template_));
+    m_transmitQueue.append(std::move(group));
+    m_memAPI->incrementTransmitedBulkCounter();
     return true;
 }
 
@@ -346,7 +350,10 @@ bool MessageEncoder::sendStoreMessage()
 bool MessageEncoder::enqueueStoreToFlash()
 {
     // The shape of a dump block without data; its checksum is the constant 0x6F.
-    Message block = bulkBlockStart(SysEx::AddressStoreToFlash, 0, 0, 0);
-    finishBulkBlock(&block);
-    return enqueue(&block);
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    unsigned char *block = message.data();
+    message.resize(putBlockEnd(block, putBlockStart(block, SysEx::AddressStoreToFlash, 0, 0)) -
+                   block);
+    return enqueue(&message);
 }
