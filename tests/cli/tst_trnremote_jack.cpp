@@ -51,6 +51,7 @@ private Q_SLOTS:
     void aSignalEndsARunInOrder_data();
     void aSignalEndsARunInOrder();
     void monitorEndsWithCtrlC();
+    void monitorEndsWithTheServer();
 
 private:
     struct Ended
@@ -388,6 +389,22 @@ void TestTrnRemoteJack::monitorEndsWithCtrlC()
     QCOMPARE(::kill(static_cast<pid_t>(process->processId()), SIGINT), 0);
     QVERIFY(process->waitForFinished(LimitMs));
     QCOMPARE(process->exitCode(), 0);
+}
+
+void TestTrnRemoteJack::monitorEndsWithTheServer()
+{
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    QVERIFY(startInstrument());
+    const std::unique_ptr<QProcess> process = startRun(QStringLiteral("monitor"));
+    QByteArray out;
+    while (!out.contains("active sensing begins") && process->waitForReadyRead(LimitMs)) {
+        out += process->readAllStandardOutput();
+    }
+    QVERIFY(out.contains("active sensing begins"));
+    m_server.kill();
+    QVERIFY(process->waitForFinished(30000));
+    QCOMPARE(process->exitCode(), 4);
+    QVERIFY(process->readAllStandardError().contains("was lost, since the MIDI service has gone"));
 }
 
 QTEST_GUILESS_MAIN(TestTrnRemoteJack)
