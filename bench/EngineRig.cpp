@@ -58,6 +58,10 @@ EngineRig::EngineRig()
 
 bool EngineRig::openRoute()
 {
+    // Once is enough: listing the ports writes the settings, and what follows an fsync starts cold.
+    if (m_inPort != 0) {
+        return api.createMIDIComunicationRoute(m_sensePort, m_inPort, m_outPort);
+    }
     const QList<PortInfo> devices =
         recognizeDevicePorts(api.getInputPortList(), api.getOutputPortList());
     if (devices.isEmpty()) {
@@ -65,7 +69,8 @@ bool EngineRig::openRoute()
     }
     m_inPort = devices.first().communicationInPort;
     m_outPort = devices.first().communicationOutPort;
-    return api.createMIDIComunicationRoute(devices.first().activeSensePort, m_inPort, m_outPort);
+    m_sensePort = devices.first().activeSensePort;
+    return api.createMIDIComunicationRoute(m_sensePort, m_inPort, m_outPort);
 }
 
 bool EngineRig::receiveAll()

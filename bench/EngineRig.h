@@ -13,7 +13,8 @@ class EngineRig
 public:
     EngineRig();
 
-    // Opens the route to the first recognised instrument; false if there is none.
+    // Opens the route to the first recognised instrument, or the same one again; false if there is
+    // none.
     bool openRoute();
     // Ports of the route, as the catalogue numbers them.
     int inPort() const { return m_inPort; }
@@ -26,6 +27,7 @@ public:
     RemoteMemAPI api;
 
 private:
+    int m_sensePort = 0;
     int m_inPort = 0;
     int m_outPort = 0;
 };

@@ -83,8 +83,10 @@ private:
     }
     void receive(int, const QByteArray &bytes)
     {
-        qint64 none = 0;
-        firstByteAt.compare_exchange_strong(none, Clock::now().time_since_epoch().count());
+        // A clock that is read for every message would be part of what the baseline costs, too.
+        if (firstByteAt == 0) {
+            firstByteAt = Clock::now().time_since_epoch().count();
+        }
         const bool isFooter = bytes.size() == 12 && bytes.at(2) == '\x00' && bytes.at(7) == '\x0f';
         if (isFooter) {
             reply(m_acknowledge);

@@ -5,6 +5,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
+#include <QtCore/QHash>
 
 #include <algorithm>
 #include <cmath>
@@ -16,6 +17,7 @@ namespace
 constexpr double LongestTimeoutSeconds = 24 * 60 * 60;
 constexpr int AnyNumber = std::numeric_limits<int>::max();
 
+const QString HelpOption = QStringLiteral("help");
 const QString MidiOption = QStringLiteral("midi");
 const QString PortOption = QStringLiteral("port");
 const QString TimeoutOption = QStringLiteral("timeout");
@@ -57,6 +59,23 @@ struct Command
     QStringList options;
     QString purpose;
 };
+
+const QHash<QString, QString> &operandMeanings()
+{
+    static const QHash<QString, QString> meanings = {
+        {QStringLiteral("FILE"), QStringLiteral("An editor file.")},
+        {QStringLiteral("FILE..."), QStringLiteral("Editor files.")},
+        {QStringLiteral("A"), QStringLiteral("An editor file.")},
+        {QStringLiteral("B"), QStringLiteral("An editor file.")},
+        {QStringLiteral("ADDRESS"), QStringLiteral("As edit/13/knobA1/ccNumber, "
+                                                   "stored/1/templateName or "
+                                                   "edit/currentTemplateNumber.")},
+        {QStringLiteral("VALUE"), QStringLiteral("The new value, a number or a text.")},
+        {QStringLiteral("IN.syx"), QStringLiteral("A file of dumps, which is read.")},
+        {QStringLiteral("OUT.syx"), QStringLiteral("A file of dumps, which is written.")},
+    };
+    return meanings;
+}
 
 const QList<Command> &commands()
 {
@@ -148,7 +167,7 @@ const Command *findCommand(const QString &name)
 
 void addCommonOptions(QCommandLineParser *parser)
 {
-    parser->addHelpOption();
+    parser->addOption({{QStringLiteral("h"), HelpOption}, QStringLiteral("Displays this help.")});
     parser->addOption({MidiOption, QStringLiteral("alsa or jack; by default the first there is."),
                        QStringLiteral("SERVICE")});
 }
@@ -198,7 +217,7 @@ ArgumentParser::Result ArgumentParser::parse(const QStringList &words, Arguments
         *text = parser.errorText();
         return Result::Wrong;
     }
-    if (parser.isSet(QStringLiteral("help"))) {
+    if (parser.isSet(HelpOption)) {
         *text = overview(parser);
         return Result::Answer;
     }
@@ -236,9 +255,10 @@ ArgumentParser::Result ArgumentParser::parseCommand(const QStringList &words, Ar
         }
     }
     // Shown in the help's first line, where the operands stand.
-    parser.addPositionalArgument(command->name, QString(), command->name);
-    if (!command->operands.isEmpty()) {
-        parser.addPositionalArgument(command->operands, QString(), command->operands);
+    parser.addPositionalArgument(command->name, QStringLiteral("This command."), command->name);
+    const QStringList operands = command->operands.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (const QString &operand : operands) {
+        parser.addPositionalArgument(operand, operandMeanings().value(operand), operand);
     }
     if (command->name == QStringLiteral("set") && words.size() >= 4) {
         // A value may begin with a dash; options stand in front of it.
@@ -249,7 +269,7 @@ ArgumentParser::Result ArgumentParser::parseCommand(const QStringList &words, Ar
         *text = parser.errorText();
         return Result::Wrong;
     }
-    if (parser.isSet(QStringLiteral("help"))) {
+    if (parser.isSet(HelpOption)) {
         *text = parser.helpText();
         return Result::Answer;
     }
@@ -257,9 +277,11 @@ ArgumentParser::Result ArgumentParser::parseCommand(const QStringList &words, Ar
     arguments->operands = parser.positionalArguments();
     if (arguments->operands.size() < command->fewest ||
         arguments->operands.size() > command->most) {
-        *text = QStringLiteral("Usage: trn-remote %1 %2 [options]; \"trn-remote %1 --help\" tells "
-                               "them.")
-                    .arg(command->name, command->operands)
+        *text = QStringLiteral("Too %1 arguments for \"%2\". Usage: trn-remote %2 %3 [options]; "
+                               "\"trn-remote %2 --help\" tells them.")
+                    .arg(arguments->operands.size() < command->fewest ? QStringLiteral("few")
+                                                                      : QStringLiteral("many"),
+                         command->name, command->operands)
                     .simplified();
         return Result::Wrong;
     }
@@ -275,6 +297,11 @@ ArgumentParser::Result ArgumentParser::parseCommand(const QStringList &words, Ar
     arguments->verify = takes(VerifyOption);
     if (takes(PortOption)) {
         arguments->port = parser.value(PortOption);
+        // An empty one would stand for the first instrument, which nobody has asked for.
+        if (arguments->port.isEmpty()) {
+            *text = QStringLiteral("--port needs the name of an instrument.");
+            return Result::Wrong;
+        }
     }
     if (takes(BackupOption)) {
         arguments->backup = parser.value(BackupOption);

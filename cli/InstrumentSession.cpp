@@ -6,18 +6,24 @@
 #include "cli/PortSelection.h"
 #include "cli/Progress.h"
 #include "memory/RemoteMemAPI.h"
+#include "midi/ComuController.h"
 #include "midi/TMIDITransport.h"
 #include "protocol/BulkReceipt.h"
 #include "protocol/SyncRun.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 
 namespace
 {
 
-// How soon a run ends once the service has refused a message: what is lost is never answered.
-constexpr int RefusalCheckPeriodMs = 100;
+// How soon a run ends once the service has gone or has refused a message: what is lost is never
+// answered.
+constexpr int TroubleCheckPeriodMs = 100;
+// How long the instrument's ports may be away. A cable that is pulled and put back is taken up
+// again within this time, and the run goes on if nothing was to be sent meanwhile.
+constexpr int PortReturnLimitMs = 2000;
 
 // "3, 5-7", for template numbers from 0 in ascending order.
 QString numberRanges(const QList<int> &numbers)
@@ -67,6 +73,8 @@ InstrumentSession::~InstrumentSession()
 ExitCode InstrumentSession::brokenOff(const QString &why)
 {
     m_console->error(why);
+    // Nothing is left that would be worth waiting for, least of all from a service that hangs.
+    m_api->getComuController()->abandonPorts();
     return ExitCode::BrokenOff;
 }
 
@@ -93,10 +101,30 @@ ExitCode InstrumentSession::open(const QString &portName)
     return ExitCode::Done;
 }
 
+InstrumentSession::End InstrumentSession::trouble(QElapsedTimer *portAwaySince) const
+{
+    // The service first: one that has gone refuses everything, which would tell less.
+    switch (m_api->getComuController()->portLink()) {
+    case TMIDITransport::Link::ServiceGone:
+        return End::ServiceGone;
+    case TMIDITransport::Link::PortAway:
+        if (!portAwaySince->isValid()) {
+            portAwaySince->start();
+        }
+        if (wasRefused() || portAwaySince->hasExpired(PortReturnLimitMs)) {
+            return End::PortAway;
+        }
+        break;
+    case TMIDITransport::Link::Connected:
+        portAwaySince->invalidate();
+        break;
+    }
+    return wasRefused() ? End::Refused : End::None;
+}
+
 ExitCode InstrumentSession::perform(const QString &what,
                                     const std::function<bool(SyncRun *)> &start)
 {
-    enum class End { None, Succeeded, Refused, TimedOut, Interrupted };
     End end = End::None;
     int doneTemplates = 0;
     int allTemplates = 0;
@@ -104,6 +132,7 @@ ExitCode InstrumentSession::perform(const QString &what,
         Progress progress(m_console, what);
         SyncRun run(m_api);
         QEventLoop loop;
+        QElapsedTimer portAwaySince;
         const auto endWith = [&](End how) {
             if (end == End::None) {
                 end = how;
@@ -118,17 +147,25 @@ ExitCode InstrumentSession::perform(const QString &what,
         });
         QObject::connect(&run, &SyncRun::succeeded, &loop, [&] { endWith(End::Succeeded); });
         QObject::connect(&run, &SyncRun::failed, &loop, [&](SyncRun::Reason reason) {
-            endWith(reason == SyncRun::Reason::TimedOut ? End::TimedOut : End::Refused);
+            const End cause = trouble(&portAwaySince);
+            if (cause != End::None) {
+                endWith(cause);
+            } else if (portAwaySince.isValid()) {
+                endWith(End::PortAway);
+            } else {
+                endWith(reason == SyncRun::Reason::TimedOut ? End::TimedOut : End::Refused);
+            }
         });
         QObject::connect(m_interruption, &Interruption::requested, &loop,
                          [&] { endWith(End::Interrupted); });
-        QTimer refusalCheck;
-        QObject::connect(&refusalCheck, &QTimer::timeout, &loop, [&] {
-            if (wasRefused()) {
-                endWith(End::Refused);
+        QTimer troubleCheck;
+        QObject::connect(&troubleCheck, &QTimer::timeout, &loop, [&] {
+            const End cause = trouble(&portAwaySince);
+            if (cause != End::None) {
+                endWith(cause);
             }
         });
-        refusalCheck.start(RefusalCheckPeriodMs);
+        troubleCheck.start(TroubleCheckPeriodMs);
         if (m_interruption->isRequested()) {
             end = End::Interrupted;
         } else if (start(&run)) {
@@ -145,6 +182,16 @@ ExitCode InstrumentSession::perform(const QString &what,
             QStringLiteral("%1 timed out: \"%2\" does not answer; %3.").arg(what, m_name, state));
     case End::Interrupted:
         return brokenOff(QStringLiteral("%1 was interrupted; %2.").arg(what, state));
+    case End::ServiceGone:
+        return brokenOff(
+            QStringLiteral("%1 broke off: the connection to \"%2\" was lost, since the "
+                           "MIDI service has gone; %3.")
+                .arg(what, m_name, state));
+    case End::PortAway:
+        return brokenOff(
+            QStringLiteral("%1 broke off: the connection to \"%2\" was lost, since its "
+                           "ports have gone; %3.")
+                .arg(what, m_name, state));
     case End::Refused:
     case End::None:
         return brokenOff(

@@ -10,12 +10,15 @@
 
 class Console;
 class Interruption;
+class QElapsedTimer;
 class RemoteMemAPI;
 class SyncRun;
 
 // The route to one instrument for the length of a command, and the runs over it, each waited for.
-// Whatever goes wrong is told to the console here; the result is what the command ends with.
-// Nothing is owned; all outlives the session, whose end closes the route in order. Thread: GUI.
+// A run ends at once when the service has gone or has refused a message, and soon when the
+// instrument's ports are away and do not come back. Whatever goes wrong is told to the console
+// here; the result is what the command ends with. Nothing is owned; all outlives the session, whose
+// end closes the route in order. Thread: GUI.
 class InstrumentSession
 {
 public:
@@ -39,8 +42,11 @@ public:
     ExitCode close();
 
 private:
+    enum class End { None, Succeeded, Refused, TimedOut, Interrupted, ServiceGone, PortAway };
     ExitCode perform(const QString &what, const std::function<bool(SyncRun *)> &start);
     bool wasRefused() const;
+    // What of the connection keeps a run from going on; None if nothing does. Resets nothing.
+    End trouble(QElapsedTimer *portAwaySince) const;
     ExitCode brokenOff(const QString &why);
 
     RemoteMemAPI *m_api;

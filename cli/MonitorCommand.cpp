@@ -122,9 +122,17 @@ ExitCode runMonitor(const CommandContext &context)
     ComuController *ports = api->getComuController();
     const bool isOpen = ports->requestPort(0, instrument.communicationInPort, 0, &communication) &&
                         ports->requestPort(0, instrument.activeSensePort, 0, &watch);
+    bool isServiceGone = false;
     if (isOpen) {
         QTimer period;
-        QObject::connect(&period, &QTimer::timeout, &loop, [&] { sensing.periodPassed(); });
+        QObject::connect(&period, &QTimer::timeout, &loop, [&] {
+            sensing.periodPassed();
+            // An instrument that is away may come back, and is listened to again.
+            isServiceGone = ports->portLink() == TMIDITransport::Link::ServiceGone;
+            if (isServiceGone) {
+                loop.quit();
+            }
+        });
         period.start(timings().connectionWatcherPeriodMs);
         QObject::connect(&context.interruption, &Interruption::requested, &loop, &QEventLoop::quit);
         console.note(QStringLiteral("Listening to \"%1\"; Ctrl-C ends it.").arg(instrument.name));
@@ -137,6 +145,13 @@ ExitCode runMonitor(const CommandContext &context)
     if (!isOpen) {
         console.error(
             QStringLiteral("The ports of \"%1\" could not be opened.").arg(instrument.name));
+        return ExitCode::BrokenOff;
+    }
+    if (isServiceGone) {
+        console.error(
+            QStringLiteral("The connection to \"%1\" was lost, since the MIDI service has "
+                           "gone.")
+                .arg(instrument.name));
         return ExitCode::BrokenOff;
     }
     console.note(

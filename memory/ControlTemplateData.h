@@ -33,9 +33,18 @@ public:
     const NumericParameter &getParam(const ParamAddress &address) const;
     QString getParamQString(const ParamAddress &address) const;
 
-    QString getTemplateName() const { return templateName; }
-    QString getVSTiName() const { return vstiName; }
+    // Of a template that lives on, a reference; of a temporary one, the text itself.
+    const QString &getTemplateName() const & { return templateName; }
+    QString getTemplateName() && { return templateName; }
+    const QString &getVSTiName() const & { return vstiName; }
+    QString getVSTiName() && { return vstiName; }
     NumericParameter getCtrlType() const { return ctrlType; }
+    // Without a copy; null for an index outside 0 to 11.
+    const ControllerData *AccessController(int index) const
+    {
+        return isValidControllerIndex(index) ? &controllers[static_cast<std::size_t>(index)]
+                                             : nullptr;
+    }
     // A default knob for an index outside 0 to 11.
     ControllerData getController(int index) const;
 

@@ -23,8 +23,11 @@ public:
     bool setCCNum(int value) { return ccNum.setCurrentValue(value); }
     bool setDispFormat(int value) { return dispFormat.setCurrentValue(value); }
 
-    QString getDisplayName() const { return displayName; }
-    QString getRemoteTagID() const { return remoteTagID; }
+    // Of a knob that lives on, a reference; of a temporary one, the text itself.
+    const QString &getDisplayName() const & { return displayName; }
+    QString getDisplayName() && { return displayName; }
+    const QString &getRemoteTagID() const & { return remoteTagID; }
+    QString getRemoteTagID() && { return remoteTagID; }
     const NumericParameter &getCCNum() const { return ccNum; }
     const NumericParameter &getDispFormat() const { return dispFormat; }
 

@@ -238,6 +238,11 @@ ControlTemplateData RemoteMemAPI::getTemplateData(int bank, int template_) const
     return memory->getTemplateData(bank, template_);
 }
 
+const ControlTemplateData *RemoteMemAPI::AccessTemplate(int bank, int template_) const
+{
+    return memory->AccessTemplate(bank, template_);
+}
+
 void RemoteMemAPI::raiseFileEditFlag(bool concerned)
 {
     if (concerned && isAllowToRaiseFileEditFlag()) {

@@ -84,6 +84,9 @@ public:
     // On the bank directly: no notification, no edit flag.
     void setBankAvailableFlag(int value, int bank);
     ControlTemplateData getTemplateData(int bank, int template_) const; // a copy
+    // The template in its place; null for a bad index. For whoever reads much of it at once and
+    // holds memoryMutex, for as long as the result is used.
+    const ControlTemplateData *AccessTemplate(int bank, int template_) const;
 
     // What follows each, the condition in brackets:
     //

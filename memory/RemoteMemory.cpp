@@ -253,6 +253,13 @@ bool RemoteMemory::exchangeController(int bankA, int templateA, int controllerA,
     return true;
 }
 
+const ControlTemplateData *RemoteMemory::AccessTemplate(int bank, int template_) const
+{
+    const BankData *place = bankAt(bank);
+    return place != nullptr && isValidTemplateIndex(template_) ? &place->getTemplate(template_)
+                                                               : nullptr;
+}
+
 ControlTemplateData RemoteMemory::getTemplateData(int bank, int template_) const
 {
     const BankData *source = bankAt(bank);

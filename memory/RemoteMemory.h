@@ -74,6 +74,8 @@ public:
                             int controllerB);
 
     ControlTemplateData getTemplateData(int bank, int template_) const;
+    // Without a copy; null for a bad index.
+    const ControlTemplateData *AccessTemplate(int bank, int template_) const;
     // The last preset without its names and with control type 0: what "initialize" writes.
     ControlTemplateData blankTemplate() const;
     void initializeInitialTemplate();

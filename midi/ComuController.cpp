@@ -8,6 +8,9 @@
 #include "midi/TAppMIDIOut.h"
 #include "midi/TUniMIDIPortAccessor.h"
 
+#include <algorithm>
+#include <utility>
+
 std::atomic<std::uint64_t> ComuController::s_timeCounter{0};
 
 ComuController::ComuController(SysExParamChangeAddressTransTable *sysExTable)
@@ -32,16 +35,41 @@ TUniMIDIPortAccessor *ComuController::portAccessor()
 
 std::uint32_t ComuController::midiOutDispatch(const tagMPEVENT &event, _MPASYNC_MODE mode)
 {
+    return midiOutDispatchAll(&event, 1, mode);
+}
+
+std::uint32_t ComuController::midiOutDispatchAll(const tagMPEVENT *events, std::size_t count,
+                                                 _MPASYNC_MODE mode)
+{
     if ((mode & MPAsyncSend) == 0) {
         return MidiSuccess;
     }
+    const tagMPEVENT *const end = events + count;
+    while (events != end) {
+        const tagMPEVENT *const next =
+            std::find_if(events, end, [port = events->portID](const tagMPEVENT &event) {
+                return event.portID != port;
+            });
+        const std::uint32_t result =
+            dispatchToOnePort(events, static_cast<std::size_t>(next - events));
+        if (result != MidiSuccess) {
+            return result;
+        }
+        events = next;
+    }
+    return MidiSuccess;
+}
+
+std::uint32_t ComuController::dispatchToOnePort(const tagMPEVENT *events, std::size_t count)
+{
     if (m_mapMutex == nullptr) {
         return MidiFailure;
     }
+    const int number = events->portID;
     std::shared_ptr<RecursiveMutex> portMutex;
     {
         const RecursiveMutexLocker map(*m_mapMutex);
-        portMutex = m_midiOutMutexes.value(event.portID);
+        portMutex = m_midiOutMutexes.value(number);
     }
     if (portMutex == nullptr) {
         return MidiFailure;
@@ -50,20 +78,26 @@ std::uint32_t ComuController::midiOutDispatch(const tagMPEVENT &event, _MPASYNC_
     // waits for a busy port while holding the map.
     const RecursiveMutexLocker port(*portMutex);
     TAppMIDIOut *transporter = nullptr;
-    {
-        const RecursiveMutexLocker map(*m_mapMutex);
-        // Another mutex under this number means that everything was closed meanwhile, and that
-        // this one no longer guards the port.
-        if (m_midiOutMutexes.value(event.portID) == portMutex) {
-            transporter = m_midiOutTransporters.value(event.portID);
+    std::uint32_t changes = 0;
+    for (const tagMPEVENT *event = events; event != events + count; ++event) {
+        // A port that this thread holds no other closes, but a receiver that is called from within
+        // the sending may.
+        if (transporter == nullptr || changes != m_outputChanges) {
+            const RecursiveMutexLocker map(*m_mapMutex);
+            changes = m_outputChanges;
+            // Another mutex under this number means that everything was closed meanwhile, and that
+            // this one no longer guards the port.
+            transporter = m_midiOutMutexes.value(number) == portMutex
+                              ? m_midiOutTransporters.value(number)
+                              : nullptr;
         }
+        if (transporter == nullptr) {
+            return MidiFailure;
+        }
+        // What the platform refuses counts as sent: only the connection's watcher tells of a device
+        // that has gone.
+        transporter->midiOut(*event);
     }
-    if (transporter == nullptr) {
-        return MidiFailure;
-    }
-    // What the platform refuses counts as sent: only the connection's watcher tells of a device
-    // that has gone.
-    transporter->midiOut(event);
     return MidiSuccess;
 }
 
@@ -107,6 +141,7 @@ bool ComuController::requestPort(int isOutput, int port, int filterType,
     const RecursiveMutexLocker map(*m_mapMutex);
     m_midiOutTransporters.insert(port, transporter.release());
     m_midiOutMutexes.insert(port, portMutex);
+    ++m_outputChanges;
     return true;
 }
 
@@ -133,6 +168,7 @@ void ComuController::releasePort(int isOutput, int port)
         const RecursiveMutexLocker portLock(*portMutex);
         const RecursiveMutexLocker map(*m_mapMutex);
         transporter.reset(m_midiOutTransporters.take(port));
+        ++m_outputChanges;
     }
 }
 
@@ -164,6 +200,30 @@ QStringList ComuController::getOutputPortList()
     return portAccessor()->getOutputPortList();
 }
 
+TMIDITransport::Link ComuController::portLink()
+{
+    TMIDITransport::Link worst = TMIDITransport::Link::Connected;
+    for (const TAppMIDIIn *transporter : std::as_const(m_midiInTransporters)) {
+        worst = std::max(worst, transporter->link());
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    for (const TAppMIDIOut *transporter : std::as_const(m_midiOutTransporters)) {
+        worst = std::max(worst, transporter->link());
+    }
+    return worst;
+}
+
+void ComuController::abandonPorts()
+{
+    for (TAppMIDIIn *transporter : std::as_const(m_midiInTransporters)) {
+        transporter->abandon();
+    }
+    const RecursiveMutexLocker map(*m_mapMutex);
+    for (TAppMIDIOut *transporter : std::as_const(m_midiOutTransporters)) {
+        transporter->abandon();
+    }
+}
+
 void ComuController::CloseAllOpendPortAndDeleteAllTransporters()
 {
     const QList<int> inputs = m_midiInTransporters.keys();
@@ -181,4 +241,5 @@ void ComuController::CloseAllOpendPortAndDeleteAllTransporters()
     }
     const RecursiveMutexLocker map(*m_mapMutex);
     m_midiOutMutexes.clear();
+    ++m_outputChanges;
 }

@@ -2,12 +2,14 @@
 #pragma once
 
 #include "app/Locks.h"
+#include "midi/TMIDITransport.h"
 
 #include <QtCore/QMap>
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -37,6 +39,11 @@ public:
     explicit ComuController(SysExParamChangeAddressTransTable *sysExTable);
     ~ComuController() override;
 
+    // midiOutDispatch() for each of count events in turn, up to the first failure. All that have
+    // the same port are sent in one go: no other thread's event comes between them.
+    std::uint32_t midiOutDispatchAll(const tagMPEVENT *events, std::size_t count,
+                                     _MPASYNC_MODE mode);
+
     // Not owned by the caller.
     // Made when it is first needed, since making it asks the platform's service for its ports, and
     // who only works on files has no use for that.
@@ -61,11 +68,19 @@ public Q_SLOTS:
     QStringList getInputPortList();
     QStringList getOutputPortList();
     void CloseAllOpendPortAndDeleteAllTransporters(); // historical spelling
+    // The worst of all open ports.
+    TMIDITransport::Link portLink();
+    // TMIDITransport::abandon() for all open ports, for one who closes them after a failure.
+    void abandonPorts();
 
 private:
+    std::uint32_t dispatchToOnePort(const tagMPEVENT *events, std::size_t count);
+
     std::unique_ptr<TUniMIDIPortAccessor> m_portAccessor; // null until first needed
     QMap<int, TAppMIDIIn *> m_midiInTransporters;         // owned; GUI thread only
     QMap<int, TAppMIDIOut *> m_midiOutTransporters;       // owned; guarded by m_mapMutex
+    // How often the map of outputs has changed; changed under m_mapMutex.
+    std::atomic<std::uint32_t> m_outputChanges{0};
     // One for each output port ever opened; guarded by m_mapMutex. Shared with the senders that
     // wait for it, so that closing everything cannot take it from under them.
     QMap<int, std::shared_ptr<RecursiveMutex>> m_midiOutMutexes;

@@ -30,7 +30,7 @@ enum MPEventType : std::uint32_t {
 //   long message   length bytes at longData, without the leading 0xF0 or 0xF7
 //
 // Ownership of longData: on input, the transport that delivers the event, for the length of the
-// call; on output, the encoder's queue (see OwnedMPEvent).
+// call; on output, whoever sends, likewise. An event on its own is an OwnedMPEvent.
 struct tagMPEVENT
 {
     std::uint32_t eventType = MPEventNone;

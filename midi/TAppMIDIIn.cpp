@@ -5,7 +5,6 @@
 #include "midi/MIDIBinding.h"
 #include "midi/MPEvent.h"
 #include "midi/MessageProcessor.h"
-#include "midi/TMIDITransport.h"
 
 #include <algorithm>
 
@@ -32,6 +31,18 @@ bool TAppMIDIIn::openPort(int port, int filterType)
         return false;
     }
     return true;
+}
+
+TMIDITransport::Link TAppMIDIIn::link() const
+{
+    return m_transport != nullptr ? m_transport->link() : TMIDITransport::Link::Connected;
+}
+
+void TAppMIDIIn::abandon()
+{
+    if (m_transport != nullptr) {
+        m_transport->abandon();
+    }
 }
 
 void TAppMIDIIn::attachEventFilter(IMPEventFilter *filter)

@@ -3,12 +3,12 @@
 
 #include "app/Locks.h"
 #include "midi/TMIDIReaderRefConInterface.h"
+#include "midi/TMIDITransport.h"
 
 #include <memory>
 #include <vector>
 
 class MessageProcessor;
-class TMIDITransport;
 
 // A filter that an input can carry. No event is held back by one: the list is kept for its users'
 // sake, and the interface is empty.
@@ -30,6 +30,9 @@ public:
     // port: 1-based; false if the binding has no such port.
     bool openPort(int port, int filterType);
     int getPortID() const { return m_portID; }
+    // As TMIDITransport's; Connected and nothing without an open port. Thread: GUI.
+    TMIDITransport::Link link() const;
+    void abandon();
 
     void attachEventFilter(IMPEventFilter *filter); // not owned; once at most
     void detachEventFilter(IMPEventFilter *filter);

@@ -3,7 +3,6 @@
 
 #include "midi/MIDIBinding.h"
 #include "midi/MPEvent.h"
-#include "midi/TMIDITransport.h"
 
 #include <limits>
 
@@ -43,6 +42,18 @@ bool TAppMIDIOut::openPort(int port)
         return false;
     }
     return true;
+}
+
+TMIDITransport::Link TAppMIDIOut::link() const
+{
+    return m_transport != nullptr ? m_transport->link() : TMIDITransport::Link::Connected;
+}
+
+void TAppMIDIOut::abandon()
+{
+    if (m_transport != nullptr) {
+        m_transport->abandon();
+    }
 }
 
 std::uint32_t TAppMIDIOut::midiOut(const tagMPEVENT &event)

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "midi/TMIDITransport.h"
+
 #include <cstdint>
 #include <memory>
 
 struct tagMPEVENT;
-class TMIDITransport;
 
 // Result codes of the MIDI path.
 inline constexpr std::uint32_t MidiSuccess = 0;
@@ -21,6 +22,9 @@ public:
 
     // port: 1-based; false if the binding has no such port.
     bool openPort(int port);
+    // As TMIDITransport's; Connected and nothing without an open port. Thread: GUI.
+    TMIDITransport::Link link() const;
+    void abandon();
 
     // MidiFailure for a kind that is never sent (active sensing among them), for a note on that
     // carries long data, and when the transport refuses; a compound message stops at its failed

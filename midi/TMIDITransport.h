@@ -49,6 +49,23 @@ public:
     static constexpr int OutputChunkBytes = 4096;
     static constexpr int OutputChunkPauseMs = 100;
 
+    // Whether the port that is open has its other side. What comes after Connected means the more,
+    // so that the worst of several is the largest. Connected also if no port is open, and for a
+    // binding that cannot tell.
+    enum class Link {
+        Connected,
+        PortAway,    // it may come back, and is taken up again if it does
+        ServiceGone, // nothing comes back before somebody lists the ports of another one
+    };
+    virtual Link link() const { return Link::Connected; }
+
+    // Says that what is still on its way out is of no worth any more: closing does not wait until
+    // it is out, and waits for a service that does not answer for AbandonLimitMs at most, all open
+    // ports together.
+    virtual void abandon() {}
+
+    static constexpr int AbandonLimitMs = 700;
+
     // Parses one run of raw bytes, of any content and length; a length below 1 is nothing.
     // Always returns 0. Never blocks but for the ring's mutex.
     virtual int read(int length, const void *bytes);

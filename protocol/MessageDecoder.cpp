@@ -24,9 +24,6 @@ namespace
 constexpr int RemoteNumberLength = 9;
 // Header and footer: address, checksum and end are all there.
 constexpr std::uint32_t FramingLength = 11;
-// Data bytes of the contents blocks; checksum and end follow.
-constexpr int TemplateDataLength = 0x1B;
-constexpr int KnobDataLength = 0x1A;
 // A change without data, as the store report is.
 constexpr std::uint32_t ShortestChangeLength = 8;
 
@@ -45,7 +42,7 @@ unsigned char byteAt(const tagMPEVENT &event, int position)
 // run, and the first of them has ended already.
 bool areDataBytes(const unsigned char *bytes, int count)
 {
-    return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte < 0x80; });
+    return SysEx::areDataBytes(bytes, static_cast<std::size_t>(count));
 }
 
 bool isBulkType(unsigned char type)
@@ -68,10 +65,59 @@ QString withoutTrailingBlanks(QString text)
     return text;
 }
 
-// Where the receipt of a dump stands that is collected in this hardware bank.
-std::size_t receiptKind(int hardwareBank)
+// One value within a contents block: its parameter or selector, and where it stands in the data.
+struct BlockField
 {
-    return hardwareBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer;
+    int selector;
+    int first;
+    int length;
+};
+
+// In the order in which the values are written.
+constexpr BlockField TemplateFields[] = {{ParamAddress::TemplateName, 0, 13},
+                                         {ParamAddress::ControlType, 25, 1},
+                                         {ParamAddress::VSTiName, 13, 12}};
+constexpr BlockField KnobFields[] = {{ParamAddress::DisplayName, 9, 15},
+                                     {ParamAddress::CCNumber, 24, 1},
+                                     {ParamAddress::DisplayFormat, 25, 1},
+                                     {ParamAddress::RemoteNumber, 0, 9}};
+
+// A text field of a block without the blanks that fill it.
+QLatin1String textOf(const unsigned char *data, int length)
+{
+    while (length > 0 && data[length - 1] == ' ') {
+        --length;
+    }
+    return QLatin1String(reinterpret_cast<const char *>(data), length);
+}
+
+// Whether the memory holds already what a field brings, so that writing it would do nothing.
+bool isHeld(const ControlTemplateData &held, const BlockField &field, const unsigned char *data)
+{
+    const unsigned char *value = data + field.first;
+    switch (field.selector) {
+    case ParamAddress::TemplateName:
+        return held.getTemplateName() == textOf(value, field.length);
+    case ParamAddress::VSTiName:
+        return held.getVSTiName() == textOf(value, field.length);
+    default:
+        return held.getCtrlType().getCurrentValue() == *value;
+    }
+}
+
+bool isHeld(const ControllerData &held, const BlockField &field, const unsigned char *data)
+{
+    const unsigned char *value = data + field.first;
+    switch (field.selector) {
+    case ParamAddress::DisplayName:
+        return held.getDisplayName() == textOf(value, field.length);
+    case ParamAddress::RemoteNumber:
+        return held.getRemoteTagID() == textOf(value, field.length);
+    case ParamAddress::CCNumber:
+        return held.getCCNum().getCurrentValue() == *value;
+    default:
+        return held.getDispFormat().getCurrentValue() == *value;
+    }
 }
 
 // The rule of QString::replace with length 1: past the end nothing changes, at the end it appends.
@@ -180,22 +226,33 @@ int MessageDecoder::transmitedBulkReqCount() const
 
 BulkReceipt MessageDecoder::bulkReceipt() const
 {
-    const MutexLocker lock(m_receiptMutex);
-    return m_receipt;
+    BulkReceipt receipt;
+    for (std::size_t kind = 0; kind < m_receipt.size(); ++kind) {
+        for (std::size_t number = 0; number < m_receipt[kind].size(); ++number) {
+            const std::uint16_t noted = m_receipt[kind][number];
+            receipt.blocks[kind][number] = noted & ~ReceiptFinished;
+            receipt.finished[kind][number] = (noted & ReceiptFinished) != 0;
+        }
+    }
+    return receipt;
 }
 
 void MessageDecoder::clearBulkReceipt()
 {
-    const MutexLocker lock(m_receiptMutex);
-    m_receipt = BulkReceipt();
+    for (auto &kind : m_receipt) {
+        for (std::atomic<std::uint16_t> &noted : kind) {
+            noted = 0;
+        }
+    }
 }
 
-void MessageDecoder::noteReceipt(int block)
+// Of the dump being received.
+std::atomic<std::uint16_t> &MessageDecoder::receipt()
 {
-    const MutexLocker lock(m_receiptMutex);
-    const std::size_t kind = receiptKind(m_bulkBank);
-    std::uint16_t &blocks = m_receipt.blocks[kind][static_cast<std::size_t>(m_bulkTemplateNumber)];
-    blocks = static_cast<std::uint16_t>(blocks | (1u << block));
+    const int kind =
+        m_bulkBank == Bank::HardwareStored ? BulkReceipt::Stored : BulkReceipt::EditBuffer;
+    return m_receipt[static_cast<std::size_t>(kind)]
+                    [static_cast<std::size_t>(m_bulkTemplateNumber)];
 }
 
 // --- Tests on an event ---------------------------------------------------------------------------
@@ -285,8 +342,8 @@ bool MessageDecoder::isBulkChecksumCorrect(const tagMPEVENT &event) const
     // Data bytes from position 4, then the checksum, which stands before the end byte.
     const std::uint32_t checksum = event.length - 2;
     unsigned sum = event.longData[checksum];
-    for (std::uint32_t i = SysEx::PositionCount; i < checksum; ++i) {
-        sum += event.longData[i];
+    if (checksum > SysEx::PositionCount) {
+        sum += SysEx::sum7(event.longData + SysEx::PositionCount, checksum - SysEx::PositionCount);
     }
     return (sum & 0x7F) == 0;
 }
@@ -350,17 +407,12 @@ bool MessageDecoder::decodeBulkHeader(const tagMPEVENT &event)
     m_bulkTemplateNumber = getTemplateNumberFromBulk(event);
     m_bulkBank = isNormalBulkHeader(event) ? Bank::HardwareStored : Bank::HardwareEditBuffer;
 
-    const MutexLocker lock(m_receiptMutex);
-    const std::size_t kind = receiptKind(m_bulkBank);
-    const auto number = static_cast<std::size_t>(m_bulkTemplateNumber);
-    m_receipt.blocks[kind][number] = 0;
-    m_receipt.finished[kind][number] = false;
+    receipt() = 0;
     return true;
 }
 
 bool MessageDecoder::decodeBulkContents(const tagMPEVENT &event)
 {
-    const ParamAddress place(m_bulkBank, m_bulkTemplateNumber, -1, -1);
     int knob = 0;
     const bool isCommon = isBulkContentsCommon(event);
     if (!isCommon && !isBulkContentsController(event, &knob)) {
@@ -370,31 +422,38 @@ bool MessageDecoder::decodeBulkContents(const tagMPEVENT &event)
         return false;
     }
     // Checked before the first field is written: a short block is refused whole.
-    const int dataLength = isCommon ? TemplateDataLength : KnobDataLength;
+    const int dataLength = isCommon ? SysEx::TemplateDataLength : SysEx::KnobDataLength;
     if (!m_receivingBulk || !holds(event, SysEx::PositionBulkData + dataLength + 1) ||
         !areDataBytes(event.longData + SysEx::PositionBulkData, dataLength)) {
         return false;
     }
-    // One gate, and so one taking of the memory's lock, for all fields of the block.
-    const ClosedGate gate(m_memAPI);
+    const unsigned char *data = event.longData + SysEx::PositionBulkData;
+    // Held once for all fields of the block. A run brings 5,200 of them, and most bring nothing
+    // new: those are only compared.
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
+    const ControlTemplateData *held = m_memAPI->AccessTemplate(m_bulkBank, m_bulkTemplateNumber);
+    if (held == nullptr) {
+        return false;
+    }
     bool good = true;
     if (isCommon) {
-        for (const int field :
-             {ParamAddress::TemplateName, ParamAddress::ControlType, ParamAddress::VSTiName}) {
-            ParamAddress address = place;
-            address.setParamAddress(-1, -1, field, -1);
-            good = setParamToMemoryFromBulk(address, event) && good;
+        for (const BlockField &field : TemplateFields) {
+            if (!isHeld(*held, field, data)) {
+                const ParamAddress address(m_bulkBank, m_bulkTemplateNumber, field.selector, -1);
+                good = setParamToMemoryFromBulk(address, event) && good;
+            }
         }
     } else {
-        for (const int field : {ParamAddress::DisplayName, ParamAddress::CCNumber,
-                                ParamAddress::DisplayFormat, ParamAddress::RemoteNumber}) {
-            ParamAddress address = place;
-            address.setParamAddress(-1, -1, knob, field);
-            good = setParamToMemoryFromBulk(address, event) && good;
+        const ControllerData *heldKnob = held->AccessController(knob);
+        for (const BlockField &field : KnobFields) {
+            if (!isHeld(*heldKnob, field, data)) {
+                const ParamAddress address(m_bulkBank, m_bulkTemplateNumber, knob, field.selector);
+                good = setParamToMemoryFromBulk(address, event) && good;
+            }
         }
     }
     if (good) {
-        noteReceipt(isCommon ? 0 : 1 + knob);
+        receipt() |= static_cast<std::uint16_t>(1u << (isCommon ? 0 : 1 + knob));
     }
     return good;
 }
@@ -417,19 +476,13 @@ bool MessageDecoder::setParamToMemoryFromBulk(const ParamAddress &address, const
     if (!address.isStringParamAdr()) {
         return false;
     }
-    QLatin1String field(reinterpret_cast<const char *>(event.longData + first), length);
-    while (field.endsWith(QLatin1Char(' '))) {
-        field.chop(1);
-    }
-    return WriteStringParamToMemory(address, QString(field));
+    return WriteStringParamToMemory(address, QString(textOf(event.longData + first, length)));
 }
 
 bool MessageDecoder::decodeBulkFooter(const tagMPEVENT &)
 {
     if (m_receivingBulk) {
-        const MutexLocker lock(m_receiptMutex);
-        const std::size_t kind = receiptKind(m_bulkBank);
-        m_receipt.finished[kind][static_cast<std::size_t>(m_bulkTemplateNumber)] = true;
+        receipt() |= ReceiptFinished;
     }
     m_receivingBulk = false;
     decrementTransmitedBulkReqCounter();

@@ -9,6 +9,8 @@
 #include <QtCore/QString>
 
 #include <array>
+#include <atomic>
+#include <cstdint>
 
 class AddressTransTable;
 class SysExParamChangeAddressTransTable;
@@ -79,7 +81,7 @@ private:
                                   const ParamAddress &address, int count);
     void getStringParamFromMemory(const ParamAddress &address);
     QString *cacheFor(const ParamAddress &address);
-    void noteReceipt(int block);
+    std::atomic<std::uint16_t> &receipt();
 
     SysExParamChangeAddressTransTable *m_sysExTable;
     AddressTransTable *m_addressTable;
@@ -98,6 +100,7 @@ private:
     mutable Mutex m_bulkReqCounterMutex;
     bool m_receivingBulk = false;     // a header has been seen and its footer has not
     bool m_lastContentsResult = true; // of the latest contents block; nothing reads it
-    BulkReceipt m_receipt;            // guarded by m_receiptMutex
-    mutable Mutex m_receiptMutex;
+    // As BulkReceipt's blocks, with the footer in a bit of its own.
+    static constexpr std::uint16_t ReceiptFinished = 1u << 15;
+    std::array<std::array<std::atomic<std::uint16_t>, ParamAddress::TemplateCount>, 2> m_receipt{};
 };

@@ -8,7 +8,9 @@
 #include "protocol/SysExParamChangeAddressTransTable.h"
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
+#include <utility>
 
 // Parameter changes, requests and the transmit queue; the dumps stand in MessageEncoderBulk.cpp.
 
@@ -18,6 +20,8 @@ namespace
 constexpr int RemoteNumberLength = 9;
 // bufferingMsg tells messages apart by bytes 1 and 6.
 constexpr std::uint32_t ShortestMessage = 7;
+// Of the largest group, the dump of one template.
+constexpr int DumpMessages = 15;
 
 // A byte with bit 7 set would end the message at the receiver.
 bool isDataByte(unsigned char byte)
@@ -27,20 +31,11 @@ bool isDataByte(unsigned char byte)
 
 } // namespace
 
-// The memory's lock, then the queue's: the order on the whole way out.
-class MessageEncoder::SendLock
+MessageEncoder::SendLock::SendLock(MessageEncoder *encoder)
+    : m_memoryLock(encoder->m_memAPI->memoryMutex)
+    , m_queueLock(encoder->m_queueMutex)
 {
-public:
-    explicit SendLock(MessageEncoder *encoder)
-        : m_memoryLock(encoder->m_memAPI->memoryMutex)
-        , m_queueLock(encoder->m_queueMutex)
-    {
-    }
-
-private:
-    RecursiveMutexLocker m_memoryLock;
-    RecursiveMutexLocker m_queueLock;
-};
+}
 
 MessageEncoder::MessageEncoder(unsigned char modelFirst, unsigned char modelSecond,
                                SysExParamChangeAddressTransTable *sysExTable,
@@ -61,42 +56,77 @@ MessageEncoder::~MessageEncoder()
     clearTransmitQueue(true);
 }
 
-// --- Building messages ---------------------------------------------------------------------------
-
-void MessageEncoder::fillEvent(tagMPEVENT *event, const std::vector<unsigned char> &message,
-                               int port) const
+void MessageEncoder::Group::append(const tagMPEVENT &event)
 {
-    *event = tagMPEVENT();
-    event->eventType = MPEventSysEx;
-    event->portID = port;
-    event->length = static_cast<std::uint32_t>(message.size());
-    event->longData = new unsigned char[message.size()];
-    std::copy(message.begin(), message.end(), event->longData);
+    second.push_back({event.length, event.portID, event.eventType});
+    bytes.insert(bytes.end(), event.longData, event.longData + event.length);
 }
 
-std::vector<unsigned char> MessageEncoder::messageStart(unsigned char messageClass) const
+void MessageEncoder::Group::clear()
 {
-    std::vector<unsigned char> message;
-    message.reserve(SysEx::LongestMessage);
-    message.insert(message.end(), {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]});
-    return message;
+    second.clear();
+    bytes.clear();
+}
+
+// --- Building messages ---------------------------------------------------------------------------
+
+// The event of bytes that live longer.
+tagMPEVENT MessageEncoder::eventOf(unsigned char *bytes, std::uint32_t length, int port)
+{
+    tagMPEVENT event;
+    event.eventType = MPEventSysEx;
+    event.portID = port;
+    event.length = length;
+    event.longData = bytes;
+    return event;
+}
+
+void MessageEncoder::fillEvent(tagMPEVENT *event, Message *message, int port)
+{
+    *event = eventOf(nullptr, static_cast<std::uint32_t>(message->size()), port);
+    event->longData = new unsigned char[event->length];
+    std::copy(message->cbegin(), message->cend(), event->longData);
+}
+
+MessageEncoder::Message MessageEncoder::messageStart(unsigned char messageClass) const
+{
+    return {SysEx::Manufacturer, messageClass, m_modelID[0], m_modelID[1]};
+}
+
+bool MessageEncoder::buildParamChange(const unsigned char *address, const unsigned char *data,
+                                      int count, Message *message) const
+{
+    const bool hasData = data != nullptr && count > 0;
+    if (hasData && !std::all_of(data, data + count, isDataByte)) {
+        return false;
+    }
+    *message = messageStart(SysEx::ClassParameterChange);
+    const unsigned char place[] = {SysEx::AddressTemplateData, address[0], address[1]};
+    message->append(place, std::size(place));
+    if (hasData) {
+        message->append(data, count);
+    }
+    message->append(SysEx::End);
+    return true;
 }
 
 bool MessageEncoder::createParamChange(tagMPEVENT *event, const unsigned char *address,
                                        const unsigned char *data, int count)
 {
-    const bool hasData = data != nullptr && count > 0;
-    if (event == nullptr || (hasData && !std::all_of(data, data + count, isDataByte))) {
+    Message message;
+    if (event == nullptr || !buildParamChange(address, data, count, &message)) {
         return false;
     }
-    std::vector<unsigned char> message = messageStart(SysEx::ClassParameterChange);
-    message.insert(message.end(), {SysEx::AddressTemplateData, address[0], address[1]});
-    if (hasData) {
-        message.insert(message.end(), data, data + count);
-    }
-    message.push_back(SysEx::End);
-    fillEvent(event, message, m_portID);
+    fillEvent(event, &message, m_portID);
     return true;
+}
+
+MessageEncoder::Message MessageEncoder::buildParamReq(const unsigned char *address) const
+{
+    Message message = messageStart(SysEx::ClassParameterRequest);
+    const unsigned char rest[] = {SysEx::AddressTemplateData, address[0], address[1], SysEx::End};
+    message.append(rest, std::size(rest));
+    return message;
 }
 
 bool MessageEncoder::createParamReq(const unsigned char *address, int port, tagMPEVENT *event)
@@ -104,9 +134,8 @@ bool MessageEncoder::createParamReq(const unsigned char *address, int port, tagM
     if (event == nullptr) {
         return false;
     }
-    std::vector<unsigned char> message = messageStart(SysEx::ClassParameterRequest);
-    message.insert(message.end(), {SysEx::AddressTemplateData, address[0], address[1], SysEx::End});
-    fillEvent(event, message, port);
+    Message message = buildParamReq(address);
+    fillEvent(event, &message, port);
     return true;
 }
 
@@ -118,23 +147,22 @@ bool MessageEncoder::failed()
     return false;
 }
 
-bool MessageEncoder::enqueue(OwnedMPEvent event)
+bool MessageEncoder::enqueue(Message *message)
 {
-    if (!bufferingMsg(event.get())) {
-        return failed();
-    }
-    static_cast<void>(event.release()); // the queue's now
-    return true;
+    const SendLock lock(this);
+    return bufferCopy(
+               eventOf(message->data(), static_cast<std::uint32_t>(message->size()), m_portID)) ||
+           failed();
 }
 
 bool MessageEncoder::enqueueParamChange(const unsigned char *address, const unsigned char *data,
                                         int count)
 {
-    OwnedMPEvent event(new tagMPEVENT);
-    if (!createParamChange(event.get(), address, data, count)) {
+    Message message;
+    if (!buildParamChange(address, data, count, &message)) {
         return failed();
     }
-    return enqueue(std::move(event));
+    return enqueue(&message);
 }
 
 bool MessageEncoder::enqueueParamChange(const ParamAddress &address, int value)
@@ -190,11 +218,8 @@ bool MessageEncoder::sendParamChange(const unsigned char *address, unsigned char
 
 bool MessageEncoder::enqueueParamReq(const unsigned char *address)
 {
-    OwnedMPEvent event(new tagMPEVENT);
-    if (!createParamReq(address, m_portID, event.get())) {
-        return failed();
-    }
-    return enqueue(std::move(event));
+    Message message = buildParamReq(address);
+    return enqueue(&message);
 }
 
 bool MessageEncoder::enqueueNamedRequest(const char *name)
@@ -236,22 +261,21 @@ bool MessageEncoder::enququeTemplateNumberSelect()
 //   other dump class, footer      yes          the open group                   -      none
 //   other dump class, contents    yes          the open group                   -      that group
 //   everything else               any          refused
-bool MessageEncoder::bufferingMsg(tagMPEVENT *event)
+bool MessageEncoder::bufferCopy(const tagMPEVENT &event)
 {
-    const SendLock lock(this);
-    if (event == nullptr || event->longData == nullptr || event->length < ShortestMessage) {
+    if (event.longData == nullptr || event.length < ShortestMessage) {
         return false;
     }
-    const unsigned char *bytes = event->longData;
+    const unsigned char *bytes = event.longData;
     const unsigned char b1 = bytes[SysEx::PositionClass];
     const unsigned char b6 = bytes[SysEx::PositionBulkAddress];
     const unsigned char messageClass = b1 & 0xF0;
     const bool isDump = messageClass == SysEx::ClassBulk;
 
-    const auto startGroup = [this, event](bool waits) {
+    const auto startGroup = [this, &event](bool waits) {
         auto group = std::make_shared<Group>();
         group->first = waits;
-        group->second.emplace_back(event);
+        group->append(event);
         m_transmitQueue.append(group);
         return group;
     };
@@ -271,14 +295,14 @@ bool MessageEncoder::bufferingMsg(tagMPEVENT *event)
         }
         return true;
     }
-    if (b6 == SysEx::AddressStoreToFlash && event->length > SysEx::PositionBulkAddress + 2 &&
+    if (b6 == SysEx::AddressStoreToFlash && event.length > SysEx::PositionBulkAddress + 2 &&
         bytes[SysEx::PositionBulkAddress + 1] == 0 && bytes[SysEx::PositionBulkAddress + 2] == 0) {
         // A group that a clearing cut off would bring the rest of a broken dump with it.
         if (m_openGroup == nullptr || !m_transmitQueue.contains(m_openGroup)) {
             startGroup(false);
         } else {
             m_openGroup->first = false;
-            m_openGroup->second.emplace_back(event);
+            m_openGroup->append(event);
         }
         m_openGroup.reset();
         return true;
@@ -286,10 +310,20 @@ bool MessageEncoder::bufferingMsg(tagMPEVENT *event)
     if (!isDump || b6 == SysEx::AddressBulkHeader || m_openGroup == nullptr) {
         return false;
     }
-    m_openGroup->second.emplace_back(event);
+    m_openGroup->append(event);
     if (b6 == SysEx::AddressBulkFooter) {
         m_openGroup.reset();
     }
+    return true;
+}
+
+bool MessageEncoder::bufferingMsg(tagMPEVENT *event)
+{
+    const SendLock lock(this);
+    if (event == nullptr || !bufferCopy(*event)) {
+        return false;
+    }
+    MPEventDeleter()(event);
     return true;
 }
 
@@ -301,12 +335,18 @@ bool MessageEncoder::sendMessage(bool *queueWasEmpty)
     }
     while (!m_transmitQueue.isEmpty()) {
         const GroupPointer group = m_transmitQueue.takeFirst();
-        const bool sent = std::all_of(
-            group->second.begin(), group->second.end(), [this](const OwnedMPEvent &event) {
-                return m_comuController->midiOutDispatch(*event, MPAsyncSend) == MidiSuccess;
-            });
-        group->second.clear();
-        if (!sent) {
+        // Taken out of the group, which may be the open one and then lives on without them.
+        const std::vector<Group::Place> places = std::exchange(group->second, {});
+        std::vector<unsigned char> bytes = std::exchange(group->bytes, {});
+        QVarLengthArray<tagMPEVENT, DumpMessages> events(static_cast<qsizetype>(places.size()));
+        unsigned char *place = bytes.data();
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            events[static_cast<qsizetype>(i)] = eventOf(place, places[i].length, places[i].port);
+            events[static_cast<qsizetype>(i)].eventType = places[i].eventType;
+            place += places[i].length;
+        }
+        if (m_comuController->midiOutDispatchAll(events.data(), places.size(), MPAsyncSend) !=
+            MidiSuccess) {
             clearTransmitQueue(false);
             return false;
         }
@@ -329,7 +369,7 @@ void MessageEncoder::clearTransmitQueue(bool takesMutex)
         lock.lock();
     }
     for (const GroupPointer &group : std::as_const(m_transmitQueue)) {
-        group->second.clear(); // the open group lives on, without what it held
+        group->clear(); // the open group lives on, without what it held
     }
     m_transmitQueue.clear();
 }

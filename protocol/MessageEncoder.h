@@ -4,10 +4,12 @@
 #include "app/Locks.h"
 #include "memory/ParamAddress.h"
 #include "midi/MPEvent.h"
+#include "protocol/SysExBytes.h"
 
 #include <QtCore/QList>
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QVarLengthArray>
 
 #include <array>
 #include <memory>
@@ -15,6 +17,7 @@
 
 class AddressTransTable;
 class ComuController;
+class ControlTemplateData;
 class RemoteMemAPI;
 class SysExParamChangeAddressTransTable;
 
@@ -99,23 +102,56 @@ public:
     bool enqueueStoreToFlash();
 
 private:
+    // A message under construction; the longest of the protocol needs no heap.
+    using Message = QVarLengthArray<unsigned char, SysEx::LongestMessage + 2>;
+    // The bytes of a group's events stand behind one another, since a run queues 1,500 of them; the
+    // events themselves are made when the group is sent.
     struct Group
     {
+        struct Place
+        {
+            std::uint32_t length;
+            int port;
+            std::uint32_t eventType;
+        };
         bool first = false; // the wait mark
-        std::vector<OwnedMPEvent> second;
+        std::vector<Place> second;
+        std::vector<unsigned char> bytes;
+
+        void append(const tagMPEVENT &event);
+        void clear();
     };
     using GroupPointer = std::shared_ptr<Group>;
-    class SendLock;
+    // The memory's lock, then the queue's: the order on the whole way out.
+    class SendLock
+    {
+    public:
+        explicit SendLock(MessageEncoder *encoder);
 
-    void fillEvent(tagMPEVENT *event, const std::vector<unsigned char> &message, int port) const;
-    std::vector<unsigned char> messageStart(unsigned char messageClass) const;
-    std::vector<unsigned char> bulkBlockStart(unsigned char high, unsigned char mid,
-                                              unsigned char low) const;
-    static void finishBulkBlock(std::vector<unsigned char> *block);
-    void appendText(std::vector<unsigned char> *block, const ParamAddress &address,
-                    int length) const;
-    void appendNumber(std::vector<unsigned char> *block, const ParamAddress &address) const;
-    bool enqueue(OwnedMPEvent event);
+    private:
+        RecursiveMutexLocker m_memoryLock;
+        RecursiveMutexLocker m_queueLock;
+    };
+
+    static tagMPEVENT eventOf(unsigned char *bytes, std::uint32_t length, int port);
+    static void fillEvent(tagMPEVENT *event, Message *message, int port);
+    Message messageStart(unsigned char messageClass) const;
+    bool buildParamChange(const unsigned char *address, const unsigned char *data, int count,
+                          Message *message) const;
+    Message buildParamReq(const unsigned char *address) const;
+    bool buildBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                                  Message *message) const;
+    // Each writes to block, which has room for the longest message.
+    unsigned char *putBlockStart(unsigned char *block, unsigned char high, unsigned char mid,
+                                 unsigned char low) const;
+    static unsigned char *putBlockEnd(unsigned char *block, unsigned char *dataEnd);
+    unsigned char *putHeaderFooter(unsigned char *block, BulkType type, BulkType2 kind,
+                                   int template_) const;
+    unsigned char *putContents(unsigned char *block, int number,
+                               const ControlTemplateData *data) const;
+    // Takes a copy of the event and its bytes. Under both locks.
+    bool bufferCopy(const tagMPEVENT &event);
+    bool enqueue(Message *message);
     bool enqueueKnobChanges(int bank, int template_, int knob);
     bool enqueueNamedRequest(const char *name);
     bool failed();

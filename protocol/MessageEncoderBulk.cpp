@@ -4,6 +4,9 @@
 #include "memory/RemoteMemAPI.h"
 #include "protocol/SysExBytes.h"
 
+#include <algorithm>
+#include <iterator>
+
 // Dumps and requests of whole templates, replays as parameter changes, and the store messages.
 //
 // A dump of one template is 15 messages: header, template block, knob blocks 0 to 11, footer.
@@ -26,6 +29,8 @@ constexpr int RemoteNumberLength = 9;
 constexpr int DisplayNameLength = 15;
 constexpr std::size_t BytesBeforeData = 9;
 constexpr int BlockCount = 1 + ParamAddress::KnobCount;
+// Header, template block, knob blocks, footer.
+constexpr std::size_t DumpBytes = 11 + 38 + 37 * ParamAddress::KnobCount + 11;
 
 unsigned char bulkTypeByte(MessageEncoder::BulkType type)
 {
@@ -37,6 +42,35 @@ bool isBulkType(MessageEncoder::BulkType type)
     return type == MessageEncoder::BulkStored || type == MessageEncoder::BulkEditBuffer;
 }
 
+unsigned char checksum(const unsigned char *block, std::size_t size)
+{
+    if (size <= SysEx::PositionCount) {
+        return 0;
+    }
+    const unsigned sum = SysEx::sum7(block + SysEx::PositionCount, size - SysEx::PositionCount);
+    return static_cast<unsigned char>((0u - sum) & 0x7Fu);
+}
+
+void byteCount(std::size_t size, unsigned char *high, unsigned char *low)
+{
+    const std::size_t count = size < BytesBeforeData ? 0 : size - BytesBeforeData;
+    *high = static_cast<unsigned char>((count >> 7) & 0x7F);
+    *low = static_cast<unsigned char>(count & 0x7F);
+}
+
+// Cut at the field's length, or filled with blanks.
+void putText(unsigned char *field, int length, const QString &text)
+{
+    const auto count = std::min<qsizetype>(length, text.size());
+    std::transform(text.cbegin(), text.cbegin() + count, field, SysEx::dataByte);
+    std::fill(field + count, field + length, static_cast<unsigned char>(' '));
+}
+
+unsigned char numberByte(const NumericParameter &parameter)
+{
+    return static_cast<unsigned char>(parameter.getCurrentValue() & 0xFF);
+}
+
 bool isTemplateNumber(int number)
 {
     return number >= 0 && number < ParamAddress::TemplateCount;
@@ -44,53 +78,43 @@ bool isTemplateNumber(int number)
 
 } // namespace
 
-std::vector<unsigned char> MessageEncoder::bulkBlockStart(unsigned char high, unsigned char mid,
-                                                          unsigned char low) const
+// Writes the bytes before the data, and says where the data begins.
+unsigned char *MessageEncoder::putBlockStart(unsigned char *block, unsigned char high,
+                                             unsigned char mid, unsigned char low) const
 {
-    std::vector<unsigned char> block = messageStart(SysEx::ClassBulk);
-    block.insert(block.end(), {0, 0, high, mid, low});
-    return block;
+    const unsigned char start[BytesBeforeData] = {
+        SysEx::Manufacturer, SysEx::ClassBulk, m_modelID[0], m_modelID[1], 0, 0, high, mid, low};
+    return std::copy(std::begin(start), std::end(start), block);
+}
+
+// Writes count, checksum and end of a block whose data ends at dataEnd, and says where it ends.
+unsigned char *MessageEncoder::putBlockEnd(unsigned char *block, unsigned char *dataEnd)
+{
+    const auto size = static_cast<std::size_t>(dataEnd - block);
+    byteCount(size, block + SysEx::PositionCount, block + SysEx::PositionCount + 1);
+    *dataEnd = checksum(block, size);
+    *++dataEnd = SysEx::End;
+    return ++dataEnd;
 }
 
 unsigned char MessageEncoder::CreateBulkChecksum(const std::vector<unsigned char> &block)
 {
-    unsigned sum = 0;
-    for (std::size_t i = SysEx::PositionCount; i < block.size(); ++i) {
-        sum += block[i] & 0x7Fu;
-    }
-    return static_cast<unsigned char>((0u - sum) & 0x7Fu);
+    return checksum(block.data(), block.size());
 }
 
 void MessageEncoder::CreateByteCount(const std::vector<unsigned char> &block, unsigned char *high,
                                      unsigned char *low)
 {
-    const std::size_t count = block.size() < BytesBeforeData ? 0 : block.size() - BytesBeforeData;
-    *high = static_cast<unsigned char>((count >> 7) & 0x7F);
-    *low = static_cast<unsigned char>(count & 0x7F);
+    byteCount(block.size(), high, low);
 }
 
-void MessageEncoder::finishBulkBlock(std::vector<unsigned char> *block)
+unsigned char *MessageEncoder::putHeaderFooter(unsigned char *block, BulkType type, BulkType2 kind,
+                                               int template_) const
 {
-    CreateByteCount(*block, &(*block)[SysEx::PositionCount], &(*block)[SysEx::PositionCount + 1]);
-    block->push_back(CreateBulkChecksum(*block));
-    block->push_back(SysEx::End);
-}
-
-void MessageEncoder::appendText(std::vector<unsigned char> *block, const ParamAddress &address,
-                                int length) const
-{
-    const QString text = m_memAPI->getParamQString(address);
-    for (int i = 0; i < length; ++i) {
-        block->push_back(i < text.size() ? SysEx::dataByte(text.at(i))
-                                         : static_cast<unsigned char>(' '));
-    }
-}
-
-void MessageEncoder::appendNumber(std::vector<unsigned char> *block,
-                                  const ParamAddress &address) const
-{
-    block->push_back(
-        static_cast<unsigned char>(m_memAPI->getParam(address).getCurrentValue() & 0xFF));
+    const unsigned char high =
+        kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter;
+    return putBlockEnd(block, putBlockStart(block, high, bulkTypeByte(type),
+                                            static_cast<unsigned char>(template_)));
 }
 
 bool MessageEncoder::createBulkHeaderFooter(BulkType type, BulkType2 kind, int template_,
@@ -100,35 +124,74 @@ bool MessageEncoder::createBulkHeaderFooter(BulkType type, BulkType2 kind, int t
         !isTemplateNumber(template_)) {
         return false;
     }
-    std::vector<unsigned char> block =
-        bulkBlockStart(kind == BulkHeader ? SysEx::AddressBulkHeader : SysEx::AddressBulkFooter,
-                       bulkTypeByte(type), static_cast<unsigned char>(template_));
-    finishBulkBlock(&block);
-    fillEvent(event, block, m_portID);
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    message.resize(putHeaderFooter(message.data(), type, kind, template_) - message.data());
+    fillEvent(event, &message, m_portID);
+    return true;
+}
+
+bool MessageEncoder::buildBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
+                                              Message *message) const
+{
+    if (!isBulkType(type) || kind != BulkHeader || !isTemplateNumber(template_)) {
+        return false;
+    }
+    *message = messageStart(SysEx::ClassBulkRequest);
+    const unsigned char rest[] = {SysEx::AddressBulkHeader, bulkTypeByte(type),
+                                  static_cast<unsigned char>(template_), SysEx::End};
+    message->append(rest, std::size(rest));
     return true;
 }
 
 bool MessageEncoder::createBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_,
                                                tagMPEVENT *event)
 {
-    if (event == nullptr || !isBulkType(type) || kind != BulkHeader ||
-        !isTemplateNumber(template_)) {
+    Message message;
+    if (event == nullptr || !buildBulkReqHeaderFooter(type, kind, template_, &message)) {
         return false;
     }
-    std::vector<unsigned char> message = messageStart(SysEx::ClassBulkRequest);
-    message.insert(message.end(), {SysEx::AddressBulkHeader, bulkTypeByte(type),
-                                   static_cast<unsigned char>(template_), SysEx::End});
-    fillEvent(event, message, m_portID);
+    fillEvent(event, &message, m_portID);
     return true;
 }
 
 bool MessageEncoder::enqueueBulkReqHeaderFooter(BulkType type, BulkType2 kind, int template_)
 {
-    OwnedMPEvent event(new tagMPEVENT);
-    if (!createBulkReqHeaderFooter(type, kind, template_, event.get())) {
+    Message message;
+    if (!buildBulkReqHeaderFooter(type, kind, template_, &message)) {
         return failed();
     }
-    return enqueue(std::move(event));
+    return enqueue(&message);
+}
+
+// Under the memory's lock. data: null for a place that does not exist, which gives blanks and
+// zeros.
+unsigned char *MessageEncoder::putContents(unsigned char *block, int number,
+                                           const ControlTemplateData *data) const
+{
+    static const QString none;
+    unsigned char *field = nullptr;
+    if (number == 0) {
+        field = putBlockStart(block, SysEx::AddressTemplateData, SysEx::MidTemplate, 0);
+        putText(field, TemplateNameLength, data != nullptr ? data->getTemplateName() : none);
+        field += TemplateNameLength;
+        putText(field, VSTiNameLength, data != nullptr ? data->getVSTiName() : none);
+        field += VSTiNameLength;
+        *field++ = data != nullptr ? numberByte(data->getCtrlType()) : 0;
+        *field++ = 0; // reserved
+    } else {
+        const int knob = number - 1;
+        const ControllerData *held = data != nullptr ? data->AccessController(knob) : nullptr;
+        field = putBlockStart(block, SysEx::AddressTemplateData,
+                              static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0);
+        putText(field, RemoteNumberLength, held != nullptr ? held->getRemoteTagID() : none);
+        field += RemoteNumberLength;
+        putText(field, DisplayNameLength, held != nullptr ? held->getDisplayName() : none);
+        field += DisplayNameLength;
+        *field++ = held != nullptr ? numberByte(held->getCCNum()) : 0;
+        *field++ = held != nullptr ? numberByte(held->getDispFormat()) : 0;
+    }
+    return putBlockEnd(block, field);
 }
 
 bool MessageEncoder::createBulkContent(int block, int bank, int template_, tagMPEVENT *event)
@@ -136,31 +199,18 @@ bool MessageEncoder::createBulkContent(int block, int bank, int template_, tagMP
     if (event == nullptr || block < 0 || block >= BlockCount) {
         return false;
     }
-    std::vector<unsigned char> bytes;
-    if (block == 0) {
-        bytes = bulkBlockStart(SysEx::AddressTemplateData, SysEx::MidTemplate, 0);
-        appendText(&bytes, ParamAddress(bank, template_, ParamAddress::TemplateName, -1),
-                   TemplateNameLength);
-        appendText(&bytes, ParamAddress(bank, template_, ParamAddress::VSTiName, -1),
-                   VSTiNameLength);
-        appendNumber(&bytes, ParamAddress(bank, template_, ParamAddress::ControlType, -1));
-        bytes.push_back(0); // reserved
-    } else {
-        const int knob = block - 1;
-        bytes = bulkBlockStart(SysEx::AddressTemplateData,
-                               static_cast<unsigned char>(SysEx::MidFirstKnob + knob), 0);
-        appendText(&bytes, ParamAddress(bank, template_, knob, ParamAddress::RemoteNumber),
-                   RemoteNumberLength);
-        appendText(&bytes, ParamAddress(bank, template_, knob, ParamAddress::DisplayName),
-                   DisplayNameLength);
-        appendNumber(&bytes, ParamAddress(bank, template_, knob, ParamAddress::CCNumber));
-        appendNumber(&bytes, ParamAddress(bank, template_, knob, ParamAddress::DisplayFormat));
-    }
-    finishBulkBlock(&bytes);
-    fillEvent(event, bytes, m_portID);
+    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    const unsigned char *end =
+        putContents(message.data(), block, m_memAPI->AccessTemplate(bank, template_));
+    message.resize(end - message.data());
+    fillEvent(event, &message, m_portID);
     return true;
 }
 
+// The group that bufferingMsg() would make of the 15 messages one by one, made in one go: a send
+// run makes a hundred of them before its first byte goes out.
 bool MessageEncoder::enqueue1TemplateBulk(int bank, int template_)
 {
     if ((bank != Bank::EditBuffer && bank != Bank::Stored) || !isTemplateNumber(template_)) {
@@ -168,29 +218,28 @@ bool MessageEncoder::enqueue1TemplateBulk(int bank, int template_)
     }
     // Crosswise to the numbers: bank 0 mirrors the device's edit buffer.
     const BulkType type = bank == Bank::EditBuffer ? BulkEditBuffer : BulkStored;
-    const RecursiveMutexLocker lock(m_memAPI->memoryMutex);
-
-    OwnedMPEvent header(new tagMPEVENT);
-    if (!createBulkHeaderFooter(type, BulkHeader, template_, header.get())) {
+    const SendLock lock(this);
+    if (m_openGroup != nullptr) {
         return failed();
     }
-    if (!enqueue(std::move(header))) {
-        return false;
-    }
+    const ControlTemplateData *data = m_memAPI->AccessTemplate(bank, template_);
+    auto group = std::make_shared<Group>();
+    group->first = true;
+    group->second.reserve(BlockCount + 2);
+    group->bytes.resize(DumpBytes);
+    unsigned char *place = group->bytes.data();
+    const auto add = [this, &group, &place](unsigned char *end) {
+        group->second.push_back({static_cast<std::uint32_t>(end - place), m_portID, MPEventSysEx});
+        place = end;
+    };
+    add(putHeaderFooter(place, type, BulkHeader, template_));
     for (int block = 0; block < BlockCount; ++block) {
-        OwnedMPEvent contents(new tagMPEVENT);
-        if (!createBulkContent(block, bank, template_, contents.get())) {
-            return failed();
-        }
-        if (!enqueue(std::move(contents))) {
-            return false;
-        }
+        add(putContents(place, block, data));
     }
-    OwnedMPEvent footer(new tagMPEVENT);
-    if (!createBulkHeaderFooter(type, BulkFooter, template_, footer.get())) {
-        return failed();
-    }
-    return enqueue(std::move(footer));
+    add(putHeaderFooter(place, type, BulkFooter, template_));
+    m_transmitQueue.append(std::move(group));
+    m_memAPI->incrementTransmitedBulkCounter();
+    return true;
 }
 
 bool MessageEncoder::sendBulk(int bank, int template_)
@@ -301,9 +350,10 @@ bool MessageEncoder::sendStoreMessage()
 bool MessageEncoder::enqueueStoreToFlash()
 {
     // The shape of a dump block without data; its checksum is the constant 0x6F.
-    std::vector<unsigned char> block = bulkBlockStart(SysEx::AddressStoreToFlash, 0, 0);
-    finishBulkBlock(&block);
-    OwnedMPEvent event(new tagMPEVENT);
-    fillEvent(event.get(), block, m_portID);
-    return enqueue(std::move(event));
+    Message message;
+    message.resize(SysEx::LongestMessage);
+    unsigned char *block = message.data();
+    message.resize(putBlockEnd(block, putBlockStart(block, SysEx::AddressStoreToFlash, 0, 0)) -
+                   block);
+    return enqueue(&message);
 }

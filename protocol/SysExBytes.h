@@ -3,6 +3,10 @@
 
 #include <QtCore/QString>
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 // Bytes that encoder and decoder must agree on. All positions count from the manufacturer byte,
 // since a message is held from 0x43 through 0xF7; the leading 0xF0 exists on the wire only.
 //
@@ -60,8 +64,48 @@ inline constexpr int PositionModel = 2;
 inline constexpr int PositionCount = 4; // of a bulk block; two bytes, high seven bits first
 inline constexpr int PositionBulkAddress = 6;
 inline constexpr int PositionBulkData = 9; // the byte at device low address n stands at 9 + n
+// Data bytes of the contents blocks; checksum and end follow.
+inline constexpr int TemplateDataLength = 0x1B;
+inline constexpr int KnobDataLength = 0x1A;
 inline constexpr int PositionChangeAddress = 4;
 inline constexpr int PositionChangeData = 7;
+
+// Both look at eight bytes at a time: every message of a dump passes here, whole.
+
+// The sum of the bytes' low seven bits, modulo 128.
+inline unsigned sum7(const unsigned char *bytes, std::size_t count)
+{
+    constexpr std::uint64_t LowSeven = 0x7F7F7F7F7F7F7F7F;
+    constexpr std::uint64_t EvenBytes = 0x00FF00FF00FF00FF;
+    // Eight sums beside each other; two numbers below 128 never carry into the next.
+    std::uint64_t sums = 0;
+    for (; count >= sizeof(sums); count -= sizeof(sums), bytes += sizeof(sums)) {
+        std::uint64_t next = 0;
+        std::memcpy(&next, bytes, sizeof(next));
+        sums = (sums & LowSeven) + (next & LowSeven);
+    }
+    sums = (sums & EvenBytes) + ((sums >> 8) & EvenBytes);
+    auto sum = static_cast<unsigned>((sums * 0x0001000100010001) >> 48);
+    for (; count > 0; --count, ++bytes) {
+        sum += *bytes;
+    }
+    return sum & 0x7F;
+}
+
+// Whether no byte has bit 7 set.
+inline bool areDataBytes(const unsigned char *bytes, std::size_t count)
+{
+    std::uint64_t all = 0;
+    for (; count >= sizeof(all); count -= sizeof(all), bytes += sizeof(all)) {
+        std::uint64_t next = 0;
+        std::memcpy(&next, bytes, sizeof(next));
+        all |= next;
+    }
+    for (; count > 0; --count, ++bytes) {
+        all |= *bytes;
+    }
+    return (all & 0x8080808080808080) == 0;
+}
 
 // A text's character as a data byte, which must stay below 0x80.
 inline unsigned char dataByte(QChar character)

@@ -258,6 +258,12 @@ void AlsaClient::close(const std::shared_ptr<AlsaPort> &port)
     port->other.reset();
 }
 
+bool AlsaClient::isConnected(const AlsaPort &port)
+{
+    const MutexLocker lock(m_portMutex);
+    return port.other.has_value();
+}
+
 // ---- Ports -------------------------------------------------------------------------------------
 
 QList<AlsaClient::Found> AlsaClient::findPorts(PortDirection direction) const

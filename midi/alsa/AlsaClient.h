@@ -101,6 +101,8 @@ public:
     std::shared_ptr<AlsaPort> openInput(int number, TMIDITransport *transport);
     std::shared_ptr<AlsaPort> openOutput(int number);
     void close(const std::shared_ptr<AlsaPort> &port);
+    // Whether the port's other side is there.
+    bool isConnected(const AlsaPort &port);
     // One message, a status of 0 being none. Waits a little for a receiver that is behind. False if
     // the other side is away or has no room, or the sequencer refuses or cuts.
     bool send(AlsaPort &port, unsigned char status, const unsigned char *data, std::size_t length);

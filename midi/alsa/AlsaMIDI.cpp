@@ -63,3 +63,15 @@ bool AlsaMIDI::outputData(int length, const unsigned char *data, unsigned char s
                                   static_cast<std::size_t>(first != 0 ? chunk - 1 : chunk));
         }));
 }
+
+TMIDITransport::Link AlsaMIDI::link() const
+{
+    const std::shared_ptr<AlsaPort> &port = m_input != nullptr ? m_input : m_output;
+    if (port == nullptr) {
+        return Link::Connected;
+    }
+    if (!m_client->isRunning()) {
+        return Link::ServiceGone;
+    }
+    return m_client->isConnected(*port) ? Link::Connected : Link::PortAway;
+}

@@ -3,6 +3,7 @@
 
 #include "app/Locks.h"
 #include "midi/MidiPortName.h"
+#include "midi/TMIDITransport.h"
 #include "midi/jack/CallbackGate.h"
 #include "midi/jack/JackPort.h"
 
@@ -83,6 +84,9 @@ public:
     // Thread: users.
     bool call(std::function<void()> function);
     void stop();
+    void abandon();
+    void endAbandonment();
+    bool isAbandoned();
     void withdraw(const std::shared_ptr<JackPort> &port);
     std::atomic<bool> isAlive{false};
     bool hasCatalogue(PortDirection direction);
@@ -103,6 +107,8 @@ private:
     void announce(const Announcement &announcement);
 
     void disconnect();
+    template <typename IsDone>
+    bool waitForAnswer(std::unique_lock<Mutex> &lock, IsDone isDone);
     void takeAnnouncements(const std::vector<Announcement> &announcements);
     bool registerPort(const std::shared_ptr<JackPort> &port);
     bool connectPort(JackPort &port, const QByteArray &fullName);
@@ -119,6 +125,8 @@ private:
     bool m_isStopping = false;
     bool m_isFinished = false;
     bool m_isStuck = false; // a caller gave up waiting for the job at work
+    // When waiting for the server ends, after abandon().
+    std::optional<std::chrono::steady_clock::time_point> m_abandonedAt;
     // Full names as read last; none if not read from this server yet.
     std::optional<QByteArrayList> m_inputs;
     std::optional<QByteArrayList> m_outputs;
@@ -190,6 +198,7 @@ bool JackClient::connectToServer()
 
 QStringList JackClient::ports(PortDirection direction)
 {
+    m_connection->endAbandonment();
     const auto names = std::make_shared<QStringList>();
     Connection *connection = m_connection.get();
     const bool isAnswered = m_connection->call(
@@ -210,6 +219,7 @@ std::shared_ptr<JackPort> JackClient::openOutput(int number)
 std::shared_ptr<JackPort> JackClient::open(PortDirection direction, int number,
                                            TMIDITransport *transport)
 {
+    m_connection->endAbandonment();
     if (!m_connection->hasCatalogue(direction)) {
         ports(direction);
     }
@@ -234,12 +244,17 @@ std::shared_ptr<JackPort> JackClient::open(PortDirection direction, int number,
 
 void JackClient::close(const std::shared_ptr<JackPort> &port)
 {
-    if (port->direction() == PortDirection::Output && isRunning()) {
+    if (port->direction() == PortDirection::Output && isRunning() && !m_connection->isAbandoned()) {
         port->drain();
     }
     m_connection->withdraw(port);
     Connection *connection = m_connection.get();
     m_connection->call([connection, port] { connection->closePort(port); });
+}
+
+void JackClient::abandon()
+{
+    m_connection->abandon();
 }
 
 bool JackClient::send(JackPort &port, unsigned char status, const unsigned char *data,
@@ -267,8 +282,7 @@ bool JackClient::Connection::call(std::function<void()> function)
     if (m_isStuck) {
         return false;
     }
-    const bool isDone = m_answers.wait_for(lock, std::chrono::milliseconds(RequestTimeoutMs),
-                                           [&job] { return job->isDone; });
+    const bool isDone = waitForAnswer(lock, [&job] { return job->isDone; });
     m_isStuck = m_isStuck || !isDone;
     return isDone;
 }
@@ -279,14 +293,42 @@ void JackClient::Connection::stop()
     m_isStopping = true;
     m_mail.notify_all();
     const bool isFinished =
-        m_answers.wait_for(lock, std::chrono::milliseconds(m_isStuck ? 0 : RequestTimeoutMs),
-                           [this] { return m_isFinished; });
+        m_isStuck ? m_isFinished : waitForAnswer(lock, [this] { return m_isFinished; });
     lock.unlock();
     if (isFinished) {
         m_thread.join();
     } else {
         m_thread.detach();
     }
+}
+
+template <typename IsDone>
+bool JackClient::Connection::waitForAnswer(std::unique_lock<Mutex> &lock, IsDone isDone)
+{
+    const auto limit =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(RequestTimeoutMs);
+    return m_answers.wait_until(lock, std::min(m_abandonedAt.value_or(limit), limit), isDone);
+}
+
+void JackClient::Connection::abandon()
+{
+    const MutexLocker lock(m_mutex);
+    if (!m_abandonedAt.has_value()) {
+        m_abandonedAt = std::chrono::steady_clock::now() +
+                        std::chrono::milliseconds(TMIDITransport::AbandonLimitMs);
+    }
+}
+
+void JackClient::Connection::endAbandonment()
+{
+    const MutexLocker lock(m_mutex);
+    m_abandonedAt.reset();
+}
+
+bool JackClient::Connection::isAbandoned()
+{
+    const MutexLocker lock(m_mutex);
+    return m_abandonedAt.has_value();
 }
 
 // Takes the port from the process thread: when this returns, its transport is no longer called.

@@ -19,7 +19,7 @@ class TMIDITransport;
 // Everything asked of the server is asked by a worker thread of the client's own, for three
 // reasons: callbacks may not ask, the library changes the signal mask of threads that do, and a
 // server that no longer answers must not take the caller with it. A caller waits for
-// RequestTimeoutMs at most.
+// RequestTimeoutMs at most, or, after abandon(), for what is left of the time given there.
 //
 // Threads: any, but send(), for one port, one at a time. Ports are opened and closed by one thread.
 class JackClient
@@ -48,6 +48,10 @@ public:
     std::shared_ptr<JackPort> openOutput(int number);
     // Returns at once if the server is dead; otherwise what was sent goes out first.
     void close(const std::shared_ptr<JackPort> &port);
+    // From now on nothing is waited for until it is out, and all that is asked of the server shares
+    // TMIDITransport::AbandonLimitMs, the client's own end included; until the ports are listed or
+    // one is opened again.
+    void abandon();
     // One message, a status of 0 being none. False if the server is dead, the port's other side
     // away or there is no room.
     bool send(JackPort &port, unsigned char status, const unsigned char *data, std::size_t length);

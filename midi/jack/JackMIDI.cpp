@@ -64,3 +64,20 @@ bool JackMIDI::outputData(int length, const unsigned char *data, unsigned char s
                                   static_cast<std::size_t>(first != 0 ? chunk - 1 : chunk));
         }));
 }
+
+TMIDITransport::Link JackMIDI::link() const
+{
+    const JackPort *port = m_input != nullptr ? m_input.get() : m_output.get();
+    if (port == nullptr) {
+        return Link::Connected;
+    }
+    if (!m_client->isRunning()) {
+        return Link::ServiceGone;
+    }
+    return port->isConnected() ? Link::Connected : Link::PortAway;
+}
+
+void JackMIDI::abandon()
+{
+    m_client->abandon();
+}

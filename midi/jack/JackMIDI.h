@@ -21,6 +21,8 @@ public:
     bool openOutput(int port) override;
     void closeOutput() override;
     bool outputData(int length, const unsigned char *data, unsigned char status) override;
+    Link link() const override;
+    void abandon() override;
 
 private:
     const std::shared_ptr<JackClient> m_client;

@@ -209,6 +209,12 @@ void LoopbackHub::Private::closeOutput(const std::shared_ptr<LoopbackOutput> &ou
     output->device.reset();
 }
 
+bool LoopbackHub::Private::isPlugged(const LoopbackEnd &end) const
+{
+    const MutexLocker lock(mutex);
+    return end.device != nullptr;
+}
+
 bool LoopbackHub::Private::deliver(const std::shared_ptr<LoopbackOutput> &output,
                                    const QByteArray &bytes)
 {

@@ -77,6 +77,7 @@ struct LoopbackHub::Private
     bool openOutput(const std::shared_ptr<LoopbackOutput> &output, int number);
     void closeInput(const std::shared_ptr<LoopbackInput> &input);
     void closeOutput(const std::shared_ptr<LoopbackOutput> &output);
+    bool isPlugged(const LoopbackEnd &end) const;
     // Hands one chunk to the device; false if it is refused or the device is gone.
     bool deliver(const std::shared_ptr<LoopbackOutput> &output, const QByteArray &bytes);
 };

@@ -82,3 +82,10 @@ bool LoopbackMIDI::outputData(int length, const unsigned char *data, unsigned ch
     };
     return countedOutput(sendInChunks(length, data, status, sendChunk));
 }
+
+TMIDITransport::Link LoopbackMIDI::link() const
+{
+    const LoopbackEnd *end = m_input != nullptr ? m_input.get() : m_output.get();
+    return end == nullptr || LoopbackHub::instance().d->isPlugged(*end) ? Link::Connected
+                                                                        : Link::PortAway;
+}

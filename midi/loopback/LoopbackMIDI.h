@@ -22,6 +22,7 @@ public:
     bool openOutput(int port) override;
     void closeOutput() override;
     bool outputData(int length, const unsigned char *data, unsigned char status) override;
+    Link link() const override;
 
 private:
     std::shared_ptr<LoopbackInput> m_input;

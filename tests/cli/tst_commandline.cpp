@@ -11,6 +11,9 @@ class TestCommandLine : public QObject
 private Q_SLOTS:
     void wrongUseEndsWithTwo_data();
     void wrongUseEndsWithTwo();
+    void aWrongNumberOfArgumentsIsToldBeforeTheUsage_data();
+    void aWrongNumberOfArgumentsIsToldBeforeTheUsage();
+    void helpNamesEachArgumentOnALineOfItsOwn();
     void helpAndVersionAreAnswers_data();
     void helpAndVersionAreAnswers();
     void midiMayStandBeforeAndBehindTheCommand();
@@ -55,6 +58,8 @@ void TestCommandLine::wrongUseEndsWithTwo_data()
     row("template 51", "show a --template 51");
     row("template that is no number", "show a --template x");
     row("backup without a name", "send a --backup=");
+    row("port without a name", "receive a --port=");
+    row("port of no name to listen to", "monitor --port=");
 }
 
 void TestCommandLine::wrongUseEndsWithTwo()
@@ -65,6 +70,44 @@ void TestCommandLine::wrongUseEndsWithTwo()
     QVERIFY(cli.out.isEmpty());
     QVERIFY2(cli.err.startsWith("trn-remote: "), cli.err.constData());
     QCOMPARE(cli.err.count('\n'), 1);
+}
+
+void TestCommandLine::aWrongNumberOfArgumentsIsToldBeforeTheUsage_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QByteArray>("told");
+    QTest::newRow("too few") << QStringLiteral("set a edit/1/templateName")
+                             << QByteArray("trn-remote: Too few arguments for \"set\". Usage: "
+                                           "trn-remote set FILE ADDRESS VALUE [options]; "
+                                           "\"trn-remote set --help\" tells them.\n");
+    QTest::newRow("too many") << QStringLiteral("ports a")
+                              << QByteArray("trn-remote: Too many arguments for \"ports\". Usage: "
+                                            "trn-remote ports [options]; \"trn-remote ports "
+                                            "--help\" tells them.\n");
+}
+
+void TestCommandLine::aWrongNumberOfArgumentsIsToldBeforeTheUsage()
+{
+    QFETCH(QString, line);
+    QFETCH(QByteArray, told);
+    CliHarness cli;
+    QCOMPARE(cli.runWords(line.split(QLatin1Char(' '))), 2);
+    QCOMPARE(cli.err, told);
+}
+
+void TestCommandLine::helpNamesEachArgumentOnALineOfItsOwn()
+{
+    CliHarness cli;
+    QCOMPARE(cli.run({"set", "--help"}), 0);
+    for (const char *name : {"FILE", "ADDRESS", "VALUE"}) {
+        QVERIFY2(cli.out.contains(QByteArray("\n  ") + name + ' '), cli.out.constData());
+    }
+    QVERIFY(cli.out.contains("set FILE ADDRESS VALUE\n"));
+    // What an operand is called in a command's usage has its line in the command's help.
+    QCOMPARE(cli.run({"import", "--help"}), 0);
+    QVERIFY2(cli.out.contains("import IN.syx FILE\n"), cli.out.constData());
+    QCOMPARE(cli.run({"diff", "--help"}), 0);
+    QVERIFY2(cli.out.contains("diff A B\n"), cli.out.constData());
 }
 
 void TestCommandLine::helpAndVersionAreAnswers_data()

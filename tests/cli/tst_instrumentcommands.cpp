@@ -45,6 +45,10 @@ private Q_SLOTS:
     void faultsOfASend();
     void aRefusingServiceEndsASendWithFour();
     void unpluggingEndsASendWithFour();
+    void anInstrumentThatStaysAwayEndsARunBeforeItsTimeout_data();
+    void anInstrumentThatStaysAwayEndsARunBeforeItsTimeout();
+    void anInstrumentThatIsAwayWhenTheTimeEndsIsToldAsLost();
+    void aCablePulledAndPutBackWhileNothingIsSentEndsNothing();
     void interruptionEndsARunWithFour_data();
     void interruptionEndsARunWithFour();
     void progressIsDrawnOnATerminalAlone();
@@ -371,6 +375,76 @@ void TestInstrumentCommands::unpluggingEndsASendWithFour()
     QVERIFY(m_loopback->setFault(QStringLiteral("delay=5:ack")));
     QTimer::singleShot(100, this, [this] { m_loopback.reset(); });
     QCOMPARE(m_cli->run({"send", file(), "--timeout", "20"}), 4);
+}
+
+void TestInstrumentCommands::anInstrumentThatStaysAwayEndsARunBeforeItsTimeout_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("receive") << QStringLiteral("receive");
+    QTest::newRow("send") << QStringLiteral("send");
+    QTest::newRow("verify") << QStringLiteral("verify");
+}
+
+void TestInstrumentCommands::anInstrumentThatStaysAwayEndsARunBeforeItsTimeout()
+{
+    QFETCH(QString, command);
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 5));
+    // Silent, so that nothing is sent that could be refused.
+    m_loopback->instrument.fallSilent();
+    QTimer::singleShot(50, this, [this] { m_loopback.reset(); });
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(m_cli->run({command, file()}), 4);
+    QVERIFY(clock.elapsed() < 10000);
+    QVERIFY2(m_cli->err.contains("the connection to \"Corvan TARN/TERN\" was lost"),
+             m_cli->err.constData());
+}
+
+void TestInstrumentCommands::anInstrumentThatIsAwayWhenTheTimeEndsIsToldAsLost()
+{
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 5));
+    m_loopback->instrument.fallSilent();
+    QTimer::singleShot(50, this, [this] { m_loopback.reset(); });
+    QCOMPARE(m_cli->run({"send", file(), "--timeout", "1"}), 4);
+    QVERIFY2(m_cli->err.contains("was lost"), m_cli->err.constData());
+}
+
+void TestInstrumentCommands::aCablePulledAndPutBackWhileNothingIsSentEndsNothing()
+{
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 5));
+    // The acknowledge that the run waits for comes only after the cable is back, from the
+    // instrument itself: nothing is sent in between.
+    LoopbackHub &hub = LoopbackHub::instance();
+    VirtualInstrument instrument{InstrumentMemory()};
+    m_loopback.reset();
+    int device = 0;
+    bool isHeld = true;
+    QList<QByteArray> held;
+    const auto plug = [&] {
+        device =
+            hub.plug(QStringLiteral("Corvan TARN/TERN"), VirtualInstrument::PortCount,
+                     [&](int port, const QByteArray &bytes) { instrument.receive(port, bytes); });
+    };
+    instrument.setOutput([&](int port, const QByteArray &bytes) {
+        if (isHeld) {
+            held.append(bytes);
+        } else {
+            hub.send(device, port, bytes);
+        }
+    });
+    plug();
+    QTimer::singleShot(200, this, [&] { hub.unplug(device); });
+    QTimer::singleShot(900, this, [&] {
+        plug();
+        isHeld = false;
+        for (const QByteArray &bytes : std::as_const(held)) {
+            hub.send(device, VirtualInstrument::MessagePort, bytes);
+        }
+    });
+    const int code = m_cli->run({"send", file()});
+    hub.unplug(device);
+    instrument.setOutput({});
+    QVERIFY2(code == 0, m_cli->err.constData());
 }
 
 void TestInstrumentCommands::interruptionEndsARunWithFour_data()

@@ -18,6 +18,9 @@ namespace
 {
 
 constexpr int LimitMs = 90000;
+// How soon a run that cannot go on ends, far from any time-out.
+constexpr int AtOnceMs = 3000;
+constexpr int AfterTimeoutMs = 1000;
 
 QString program(const char *name)
 {
@@ -40,9 +43,15 @@ private Q_SLOTS:
     void faults();
     void theServerKilledInTheMiddle_data();
     void theServerKilledInTheMiddle();
+    void theServerEndedInTheMiddle();
+    void theInstrumentGoneInTheMiddle_data();
+    void theInstrumentGoneInTheMiddle();
+    void whoeverIsStoppedARunEndsSoonAfterItsTimeout_data();
+    void whoeverIsStoppedARunEndsSoonAfterItsTimeout();
     void aSignalEndsARunInOrder_data();
     void aSignalEndsARunInOrder();
     void monitorEndsWithCtrlC();
+    void monitorEndsWithTheServer();
 
 private:
     struct Ended
@@ -229,8 +238,8 @@ void TestTrnRemoteJack::faults()
 void TestTrnRemoteJack::theServerKilledInTheMiddle_data()
 {
     QTest::addColumn<QString>("line");
-    QTest::newRow("receive") << QStringLiteral("receive a.Q7V --timeout 10");
-    QTest::newRow("send") << QStringLiteral("send other.Q7V --timeout 10");
+    QTest::newRow("receive") << QStringLiteral("receive a.Q7V");
+    QTest::newRow("send") << QStringLiteral("send other.Q7V");
 }
 
 void TestTrnRemoteJack::theServerKilledInTheMiddle()
@@ -241,11 +250,101 @@ void TestTrnRemoteJack::theServerKilledInTheMiddle()
     const std::unique_ptr<QProcess> process = startRun(line);
     QVERIFY(process->waitForStarted(LimitMs));
     QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    QElapsedTimer clock;
+    clock.start();
     m_server.kill();
+    QVERIFY(process->waitForFinished(30000));
+    QVERIFY2(clock.elapsed() < AtOnceMs, QByteArray::number(clock.elapsed()).constData());
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 4);
+    const QByteArray err = process->readAllStandardError();
+    QVERIFY2(err.contains("was lost, since the MIDI service has gone"), err.constData());
+    QVERIFY(!QFile::exists(path("a.Q7V")));
+}
+
+void TestTrnRemoteJack::theServerEndedInTheMiddle()
+{
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    QVERIFY(startInstrument({QStringLiteral("silent:after:20")}));
+    const std::unique_ptr<QProcess> process = startRun(QStringLiteral("verify other.Q7V"));
+    QVERIFY(process->waitForStarted(LimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    QElapsedTimer clock;
+    clock.start();
+    m_server.stop();
+    QVERIFY(process->waitForFinished(30000));
+    QVERIFY2(clock.elapsed() < AtOnceMs, QByteArray::number(clock.elapsed()).constData());
+    QCOMPARE(process->exitCode(), 4);
+    QVERIFY(process->readAllStandardError().contains("was lost"));
+}
+
+void TestTrnRemoteJack::theInstrumentGoneInTheMiddle_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("receive") << QStringLiteral("receive a.Q7V");
+    QTest::newRow("send") << QStringLiteral("send other.Q7V");
+}
+
+void TestTrnRemoteJack::theInstrumentGoneInTheMiddle()
+{
+    QFETCH(QString, line);
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    QVERIFY(startInstrument({QStringLiteral("silent:after:20")}));
+    const std::unique_ptr<QProcess> process = startRun(line);
+    QVERIFY(process->waitForStarted(LimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    QVERIFY(stopInstrument());
     QVERIFY(process->waitForFinished(30000));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 4);
-    QVERIFY(!process->readAllStandardError().isEmpty());
+    const QByteArray err = process->readAllStandardError();
+    QVERIFY2(err.contains("was lost, since its ports have gone"), err.constData());
+    QVERIFY(!QFile::exists(path("a.Q7V")));
+}
+
+void TestTrnRemoteJack::whoeverIsStoppedARunEndsSoonAfterItsTimeout_data()
+{
+    QTest::addColumn<bool>("isServer");
+    QTest::addColumn<QString>("line");
+    for (const bool isServer : {true, false}) {
+        for (const char *line : {"receive a.Q7V --timeout 3", "send other.Q7V --timeout 3"}) {
+            QTest::addRow("%s, %s", isServer ? "server" : "instrument", line)
+                << isServer << QString::fromLatin1(line);
+        }
+    }
+}
+
+void TestTrnRemoteJack::whoeverIsStoppedARunEndsSoonAfterItsTimeout()
+{
+    QFETCH(bool, isServer);
+    QFETCH(QString, line);
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    QVERIFY(startInstrument({QStringLiteral("silent:after:20")}));
+    QElapsedTimer clock;
+    clock.start();
+    const std::unique_ptr<QProcess> process = startRun(line);
+    QVERIFY(process->waitForStarted(LimitMs));
+    QTRY_VERIFY_WITH_TIMEOUT(isSilent(), LimitMs);
+    const qint64 silentAt = clock.elapsed();
+    const auto instrument = static_cast<pid_t>(m_instrument->processId());
+    if (isServer) {
+        m_server.freeze();
+    } else {
+        QCOMPARE(::kill(instrument, SIGSTOP), 0);
+    }
+    const bool hasEnded = process->waitForFinished(30000);
+    const qint64 endedAt = clock.elapsed();
+    if (isServer) {
+        m_server.thaw();
+    } else {
+        ::kill(instrument, SIGCONT);
+    }
+    QVERIFY(hasEnded);
+    // The run began before the instrument fell silent.
+    QVERIFY2(endedAt - silentAt < 3000 + AfterTimeoutMs,
+             QByteArray::number(endedAt - silentAt).constData());
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 4);
     QVERIFY(!QFile::exists(path("a.Q7V")));
 }
 
@@ -290,6 +389,22 @@ void TestTrnRemoteJack::monitorEndsWithCtrlC()
     QCOMPARE(::kill(static_cast<pid_t>(process->processId()), SIGINT), 0);
     QVERIFY(process->waitForFinished(LimitMs));
     QCOMPARE(process->exitCode(), 0);
+}
+
+void TestTrnRemoteJack::monitorEndsWithTheServer()
+{
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    QVERIFY(startInstrument());
+    const std::unique_ptr<QProcess> process = startRun(QStringLiteral("monitor"));
+    QByteArray out;
+    while (!out.contains("active sensing begins") && process->waitForReadyRead(LimitMs)) {
+        out += process->readAllStandardOutput();
+    }
+    QVERIFY(out.contains("active sensing begins"));
+    m_server.kill();
+    QVERIFY(process->waitForFinished(30000));
+    QCOMPARE(process->exitCode(), 4);
+    QVERIFY(process->readAllStandardError().contains("was lost, since the MIDI service has gone"));
 }
 
 QTEST_GUILESS_MAIN(TestTrnRemoteJack)

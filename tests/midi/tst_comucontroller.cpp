@@ -13,7 +13,9 @@
 #include <atomic>
 #include <functional>
 #include <future>
+#include <memory>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -347,6 +349,69 @@ private Q_SLOTS:
         controller.CloseAllOpendPortAndDeleteAllTransporters();
         QCOMPARE(controller.midiOutDispatch(event, MPAsyncSend), MidiFailure);
         QCOMPARE(device.messages().size(), 2);
+    }
+
+    void severalEventsGoOutInTheirOrderUpToTheFirstPortThatIsNotOpen()
+    {
+        LoopbackDeviceStub device(QStringLiteral("Synth"));
+        ComuController controller(nullptr);
+        QVERIFY(controller.requestPort(1, 1, 0, nullptr));
+        QVERIFY(controller.requestPort(1, 2, 0, nullptr));
+        const std::vector<tagMPEVENT> events = {
+            shortOutput(MPEventNoteOn, 1, 0, "0101"), shortOutput(MPEventNoteOn, 1, 0, "0202"),
+            shortOutput(MPEventNoteOn, 2, 0, "0303"), shortOutput(MPEventNoteOn, 1, 0, "0404"),
+            shortOutput(MPEventNoteOn, 3, 0, "0505"), shortOutput(MPEventNoteOn, 1, 0, "0606")};
+        QCOMPARE(controller.midiOutDispatchAll(events.data(), 0, MPAsyncSend), MidiSuccess);
+        QCOMPARE(controller.midiOutDispatchAll(events.data(), events.size(), MPAsyncNone),
+                 MidiSuccess);
+        QCOMPARE(device.messages(), Messages());
+        QCOMPARE(controller.midiOutDispatchAll(events.data(), events.size(), MPAsyncSend),
+                 MidiFailure);
+        QCOMPARE(device.messages(), (Messages{{1, QByteArray::fromHex("900101")},
+                                              {1, QByteArray::fromHex("900202")},
+                                              {2, QByteArray::fromHex("900303")},
+                                              {1, QByteArray::fromHex("900404")}}));
+    }
+
+    void aReceiverThatClosesThePortEndsASeriesOfEvents()
+    {
+        LoopbackDeviceStub device(QStringLiteral("Synth"));
+        ComuController controller(nullptr);
+        QVERIFY(controller.requestPort(1, 1, 0, nullptr));
+        device.setAnswer([&controller](int, const QByteArray &bytes) {
+            if (bytes.endsWith('\x02')) {
+                controller.releasePort(1, 1);
+            }
+        });
+        const std::vector<tagMPEVENT> events = {shortOutput(MPEventNoteOn, 1, 0, "0101"),
+                                                shortOutput(MPEventNoteOn, 1, 0, "0202"),
+                                                shortOutput(MPEventNoteOn, 1, 0, "0303")};
+        QCOMPARE(controller.midiOutDispatchAll(events.data(), events.size(), MPAsyncSend),
+                 MidiFailure);
+        QCOMPARE(device.messages().size(), 2);
+    }
+
+    void theLinkIsThatOfTheWorstOpenPort()
+    {
+        using Link = TMIDITransport::Link;
+        auto first = std::make_unique<LoopbackDeviceStub>(QStringLiteral("Synth"), 1);
+        auto second = std::make_unique<LoopbackDeviceStub>(QStringLiteral("Other"), 1);
+        ComuController controller(nullptr);
+        KeepingProcessor processor(1, 6);
+        QCOMPARE(controller.portLink(), Link::Connected);
+        QVERIFY(controller.setMessageProcessorAndOpenPort(&processor));
+        QVERIFY(controller.requestPort(1, 2, 0, nullptr));
+        QCOMPARE(controller.portLink(), Link::Connected);
+        second.reset();
+        QCOMPARE(controller.portLink(), Link::PortAway);
+        second = std::make_unique<LoopbackDeviceStub>(QStringLiteral("Other"), 1);
+        QCOMPARE(controller.portLink(), Link::Connected);
+        first.reset();
+        QCOMPARE(controller.portLink(), Link::PortAway);
+        // A loopback has nothing to abandon; what is open stays so.
+        controller.abandonPorts();
+        controller.releasePort(0, 1);
+        QCOMPARE(controller.portLink(), Link::Connected);
     }
 
     void releasingWhatIsNotOpenIsNothing()

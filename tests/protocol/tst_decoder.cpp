@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "protocol/MessageDecoder.h"
 
+#include "memory/MemChangeObserver.h"
 #include "protocol/DecoderRig.h"
+#include "protocol/SysExBytes.h"
 
 #include <QtTest/QtTest>
 
+#include <memory>
+#include <random>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -39,6 +44,18 @@ Messages everyForm()
             change(0x22, 0x00, QByteArray()),
             change(0x23, 0x00, 1)};
 }
+
+class HearingObserver : public MemChangeObserver
+{
+public:
+    explicit HearingObserver(RemoteMemAPI *api) { setMemAPI(api); }
+    ~HearingObserver() override { memAPI->unregistObserver(this); }
+    HearingObserver(const HearingObserver &) = delete;
+    HearingObserver &operator=(const HearingObserver &) = delete;
+    void paramUpdate() override { ++heard; }
+
+    int heard = 0;
+};
 
 } // namespace
 
@@ -305,6 +322,54 @@ private Q_SLOTS:
         QVERIFY(rig.device.take().isEmpty());
     }
 
+    void whatIsHeldAlreadyIsReceivedAndNobodyHears()
+    {
+        DecoderRig rig;
+        QVERIFY(rig.processAll(dump(Stored, 7)));
+        const QByteArray before = rig.snapshot();
+        std::vector<std::unique_ptr<ParamAddress>> addresses;
+        for (int selector = 13; selector <= 15; ++selector) {
+            addresses.push_back(std::make_unique<ParamAddress>(templateAddress(2, 7, selector)));
+        }
+        for (int parameter = 0; parameter < 4; ++parameter) {
+            addresses.push_back(std::make_unique<ParamAddress>(knobAddress(2, 7, 3, parameter)));
+        }
+        std::vector<std::unique_ptr<HearingObserver>> observers;
+        for (const std::unique_ptr<ParamAddress> &address : addresses) {
+            observers.push_back(std::make_unique<HearingObserver>(&rig.api));
+            rig.api.registObserver(address.get(), observers.back().get());
+        }
+        rig.decoder.clearBulkReceipt();
+        QVERIFY(rig.processAll(dump(Stored, 7)));
+        QVERIFY(rig.decoder.bulkReceipt().isComplete(BulkReceipt::Stored, 7));
+        QCOMPARE(rig.snapshot(), before);
+        for (const std::unique_ptr<HearingObserver> &observer : observers) {
+            QCOMPARE(observer->heard, 0);
+        }
+        // And each field that is new is written and heard once, alone.
+        QVERIFY(rig.process(header(Stored, 7)));
+        QVERIFY(rig.process(templateBlock("Other", "Another", 0)));
+        QVERIFY(rig.process(knobBlock(3, "204143dff", "Cutoff", 127, 0)));
+        for (const std::unique_ptr<HearingObserver> &observer : observers) {
+            QCOMPARE(observer->heard, 1);
+        }
+    }
+
+    void aRemoteIdentifierInCapitalsIsTheOneInSmallLetters()
+    {
+        DecoderRig rig;
+        QVERIFY(rig.process(header(Stored, 0)));
+        QVERIFY(rig.process(knobBlock(0, "2ABCDEF01", "x", 1, 1)));
+        QCOMPARE(rig.text(knobAddress(2, 0, 0, 3)), QStringLiteral("2abcdef01"));
+        const QByteArray before = rig.snapshot();
+        ParamAddress address = knobAddress(2, 0, 0, 3);
+        HearingObserver observer(&rig.api);
+        rig.api.registObserver(&address, &observer);
+        QVERIFY(rig.process(knobBlock(0, "2ABCDEF01", "x", 1, 1)));
+        QCOMPARE(rig.snapshot(), before);
+        QCOMPARE(observer.heard, 0);
+    }
+
     void textsOfABlockLoseTheirTrailingBlanksAlone()
     {
         DecoderRig rig;
@@ -361,6 +426,29 @@ private Q_SLOTS:
         block[block.size() - 2] = static_cast<char>((block.at(block.size() - 2) - 5 + 128) % 128);
         QVERIFY(rig.process(block));
         QCOMPARE(rig.text(knobAddress(2, 0, 0, 0)), QStringLiteral("Wide"));
+    }
+
+    void sumsAndDataBytesAreThoseOfOneByteAfterAnother()
+    {
+        std::mt19937 random(7);
+        std::uniform_int_distribution<int> anyByte(0, 255);
+        for (std::size_t length = 0; length < 300; ++length) {
+            std::vector<unsigned char> bytes(length);
+            unsigned sum = 0;
+            for (unsigned char &byte : bytes) {
+                byte = static_cast<unsigned char>(anyByte(random));
+                sum += byte;
+            }
+            QCOMPARE(SysEx::sum7(bytes.data(), length), sum % 128);
+            std::fill(bytes.begin(), bytes.end(), static_cast<unsigned char>(0x7F));
+            QCOMPARE(SysEx::sum7(bytes.data(), length), static_cast<unsigned>(length * 0x7F % 128));
+            QVERIFY(SysEx::areDataBytes(bytes.data(), length));
+            for (unsigned char &byte : bytes) {
+                byte = 0x80;
+                QVERIFY(!SysEx::areDataBytes(bytes.data(), length));
+                byte = 0x7F;
+            }
+        }
     }
 
     void wrongChecksumsDropThatOneMessage()
