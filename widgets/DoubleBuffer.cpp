@@ -5,7 +5,8 @@
 #include <QtGui/QPainter>
 #include <QtWidgets/QWidget>
 
-DoubleBuffer::DoubleBuffer(QWidget *served) : widget(served)
+DoubleBuffer::DoubleBuffer(QWidget *served)
+    : widget(served)
 {
 }
 
@@ -53,7 +54,8 @@ bool DoubleBuffer::eventDoubleBuffer(QEvent *event)
 void DoubleBuffer::updateDoubleBufferPixmap()
 {
     const qreal ratio = widget->devicePixelRatioF();
-    // A window that has moved to a screen with another scale is told by nothing but its paint event.
+    // A window that has moved to a screen with another scale is told by nothing but its paint
+    // event.
     if (!dirty && bufferPixmap.devicePixelRatio() == ratio) {
         return;
     }

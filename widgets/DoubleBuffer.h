@@ -7,9 +7,9 @@ class QEvent;
 class QPainter;
 class QWidget;
 
-// Mixin that gives a widget an off-screen picture of itself: the widget paints into it only when its
-// content has changed, and a paint event is one copy to the screen. The user class overrides event()
-// and hands each event to eventDoubleBuffer() first.
+// Mixin that gives a widget an off-screen picture of itself: the widget paints into it only when
+// its content has changed, and a paint event is one copy to the screen. The user class overrides
+// event() and hands each event to eventDoubleBuffer() first.
 //
 // The picture has the device pixels of the screen that the widget is on, and is painted again when
 // the widget comes to a screen with another scale. Owner: the widget itself. Thread: GUI.
