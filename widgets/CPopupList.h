@@ -5,8 +5,8 @@
 #include "widgets/PopupWindow.h"
 
 // A small modal chooser with a list: the caller makes a new one on the heap, fills getListWidget(),
-// calls exec() and gets the chosen item or null. It deletes itself (TypedPopup::exec()). A caller
-// that wants another font than the application's sets it on getListWidget().
+// calls exec() and gets the chosen item or null. It deletes itself (TypedPopup::exec()). The
+// font is the application's unless one is set on the popup.
 class CPopupList : public TypedPopup<QListWidgetItem>
 {
     Q_OBJECT

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CPopupListWidget.h"
 
-CPopupListWidget::CPopupListWidget(TypedPopup<QListWidgetItem> *popup)
-    : PopupItemView(popup)
+CPopupListWidget::CPopupListWidget(TypedPopup<QListWidgetItem> *parent)
+    : PopupItemView(parent)
 {
     setObjectName(QStringLiteral("CPopupListWidget"));
 }

@@ -5,8 +5,8 @@
 #include "widgets/PopupWindow.h"
 
 // A small modal chooser with a tree: the caller makes a new one on the heap, fills getTreeWidget(),
-// calls exec() and gets the chosen leaf or null. It deletes itself (TypedPopup::exec()). A caller
-// that wants another font than the application's sets it on getTreeWidget().
+// calls exec() and gets the chosen leaf or null. It deletes itself (TypedPopup::exec()). The
+// font is the application's unless one is set on the popup.
 class CPopupTree : public TypedPopup<QTreeWidgetItem>
 {
     Q_OBJECT

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CPopupTreeWidget.h"
 
-CPopupTreeWidget::CPopupTreeWidget(TypedPopup<QTreeWidgetItem> *popup)
-    : PopupItemView(popup)
+CPopupTreeWidget::CPopupTreeWidget(TypedPopup<QTreeWidgetItem> *parent)
+    : PopupItemView(parent)
 {
     setObjectName(QStringLiteral("CPopupTreeWidget"));
 }

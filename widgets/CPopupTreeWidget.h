@@ -2,18 +2,16 @@
 #pragma once
 
 #include "widgets/PopupItemView.h"
-#include "widgets/PopupWindow.h"
 
 #include <QtWidgets/QTreeWidget>
 
 // The tree inside of a CPopupTree. RemoteEditorStyle knows it by its object name. Owner: the popup.
-class CPopupTreeWidget
-    : public PopupItemView<QTreeWidget, QTreeWidgetItem, TypedPopup<QTreeWidgetItem>>
+class CPopupTreeWidget : public PopupItemView<QTreeWidget, QTreeWidgetItem>
 {
     Q_OBJECT
 
 public:
-    explicit CPopupTreeWidget(TypedPopup<QTreeWidgetItem> *popup);
+    explicit CPopupTreeWidget(TypedPopup<QTreeWidgetItem> *parent);
 
 protected:
     bool canChoose(const QTreeWidgetItem *item) const override;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "widgets/PopupWindow.h"
+
 #include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
@@ -8,12 +10,12 @@
 
 // How an item of a popup is chosen: by Return or Enter, and by a press and a release of the left
 // button that both fall inside, so that the release of the click that opened the popup chooses
-// nothing. View: QListWidget or QTreeWidget; Item: its items; Popup: the window, with choose().
-template <class View, class Item, class Popup>
+// nothing. View: QListWidget or QTreeWidget; Item: its items.
+template <class View, class Item>
 class PopupItemView : public View
 {
 protected:
-    explicit PopupItemView(Popup *parent)
+    explicit PopupItemView(TypedPopup<Item> *parent)
         : View(parent)
         , popup(parent)
     {
@@ -64,6 +66,6 @@ protected:
     }
 
 private:
-    Popup *popup;
+    TypedPopup<Item> *popup;
     bool leftPressed = false;
 };

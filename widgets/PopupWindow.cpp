@@ -2,6 +2,7 @@
 #include "widgets/PopupWindow.h"
 
 #include <QtCore/QAbstractItemModel>
+#include <QtCore/QEvent>
 #include <QtCore/QEventLoop>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
@@ -132,6 +133,15 @@ bool PopupWindow::run(const QPoint &point)
     // Choosing hides without closing.
     deleteLater();
     return true;
+}
+
+void PopupWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // The view has a font of its own, which would otherwise hide the one given to the popup.
+    if (m_view && event->type() == QEvent::FontChange) {
+        m_view->setFont(font());
+    }
 }
 
 void PopupWindow::hideEvent(QHideEvent *event)

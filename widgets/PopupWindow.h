@@ -35,6 +35,7 @@ protected:
     // The popup is about to show.
     virtual void prepare() = 0;
 
+    void changeEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
