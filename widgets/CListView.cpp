@@ -503,7 +503,7 @@ void CListView::paintRow(QPainter *painter, int row, const QRect &rect) const
             paintText(painter, item.value(column), cell);
         }
     }
-    if (m_marks.contains(row)) {
+    if (m_marks.contains(row) && !rect.isEmpty()) {
         qDrawPlainRect(painter, rect, m_markedFrameColor);
     }
 }
