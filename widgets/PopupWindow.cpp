@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/PopupWindow.h"
 
+#include "widgets/StyleColors.h"
+
 #include <QtCore/QAbstractItemModel>
 #include <QtCore/QEvent>
 #include <QtCore/QEventLoop>
@@ -58,6 +60,13 @@ void PopupWindow::setView(QAbstractItemView *view)
     view->setStyle(QApplication::style());
     view->setPalette(QApplication::palette());
     view->setFont(QApplication::font());
+    // Where two scroll bars meet the frame would shine through.
+    auto *corner = new QWidget;
+    QPalette colours = corner->palette();
+    colours.setColor(QPalette::Window, colorScrollBarBackground);
+    corner->setPalette(colours);
+    corner->setAutoFillBackground(true);
+    view->setCornerWidget(corner);
     resize(sizeHint());
 }
 

@@ -806,6 +806,7 @@ void TestPopups::theLook()
 {
     auto *popup = newList(50);
     auto *list = popup->getListWidget();
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     QImage image;
     whileOpen(popup, [popup, &image] {
         image = popup->grab().toImage();
@@ -820,6 +821,8 @@ void TestPopups::theLook()
     QCOMPARE(image.pixelColor(first.right() - 1, first.center().y()), colorPaletteHighlight);
     QCOMPARE(image.pixelColor(second.right() - 1, second.center().y()), colorPaletteBase);
     QCOMPARE(image.pixelColor(104, 1), colorScrollBarBackground);
+    // Where the scroll bars meet.
+    QCOMPARE(image.pixelColor(115, 95), colorScrollBarBackground);
 }
 
 QTEST_MAIN(TestPopups)
