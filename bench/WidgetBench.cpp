@@ -8,6 +8,7 @@
 #include "widgets/StyleColors.h"
 #include "widgets/StyleImages.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtGui/QPaintEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QScrollBar>
@@ -87,7 +88,8 @@ void repaintList(benchmark::State &state)
         list.addItem({QStringLiteral("%1  Template").arg(row)});
     }
     bar.setValue(rows / 2);
-    list.ensurePolished();
+    list.show();
+    QCoreApplication::processEvents();
     const int shown = list.visibleRows();
     compare(
         state,
@@ -121,7 +123,8 @@ void repaintTrimmedList(benchmark::State &state)
     for (int row = 0; row < 11; ++row) {
         list.addItem({text});
     }
-    list.ensurePolished();
+    list.show();
+    QCoreApplication::processEvents();
     for ([[maybe_unused]] auto step : state) {
         list.updateDoubleBuffer();
         list.updateDoubleBufferPixmap();
@@ -141,7 +144,8 @@ void repaintScrollBar(benchmark::State &state)
     bar.setRange(0, 39);
     bar.setValue(20);
     bar.resize(BarSize);
-    bar.ensurePolished();
+    bar.show();
+    QCoreApplication::processEvents();
     const QImage up(scrollbar_up_image);
     const QImage down(scrollbar_down_image);
     QPixmap pixmap(BarSize);
@@ -185,7 +189,8 @@ protected:
 void repaintCell(benchmark::State &state)
 {
     Cell cell;
-    cell.ensurePolished();
+    cell.show();
+    QCoreApplication::processEvents();
     compare(
         state,
         [&] {

@@ -17,8 +17,9 @@ const QLatin1String LargeFamily("Corvan QRL 10");
 constexpr int LargePixelSize = 10;
 
 // Kerning, ligatures and letters that change their form by what follows can make a text narrower by
-// one more character. None of that reaches farther than this.
+// one more character. None of that reaches farther, or takes more away, than this.
 constexpr qsizetype ShapingReach = 64;
+constexpr qint64 ShapingHeights = 12;
 
 } // namespace
 
@@ -52,8 +53,8 @@ void adjustFont(QWidget *widget)
 qsizetype trimmedLength(const QFontMetrics &metrics, const QString &text, const QString &label,
                         int width)
 {
-    const auto fits = [&](qsizetype length) {
-        return metrics.horizontalAdvance(text.left(length) + label) <= width;
+    const auto advance = [&](qsizetype length) {
+        return metrics.horizontalAdvance(text.left(length) + label);
     };
     // Halving finds an end of the lengths that fit, measuring mostly short texts. It would be the
     // longest one if every character made the text wider; so look a little farther.
@@ -61,12 +62,16 @@ qsizetype trimmedLength(const QFontMetrics &metrics, const QString &text, const 
     qsizetype tooLong = text.size();
     while (tooLong - fitting > 1) {
         const qsizetype middle = fitting + (tooLong - fitting) / 2;
-        (fits(middle) ? fitting : tooLong) = middle;
+        (advance(middle) <= width ? fitting : tooLong) = middle;
     }
-    const qsizetype longest = std::min(fitting + ShapingReach, text.size() - 1);
-    for (qsizetype length = longest; length > fitting; --length) {
-        if (fits(length)) {
+    const qsizetype last = std::min(fitting + ShapingReach, text.size() - 1);
+    const qint64 widest = width + ShapingHeights * metrics.height();
+    for (qsizetype length = fitting + 1; length <= last; ++length) {
+        const int measured = advance(length);
+        if (measured <= width) {
             fitting = length;
+        } else if (measured > widest) {
+            break;
         }
     }
     if (fitting > 0 && text.at(fitting - 1).isHighSurrogate()) {
