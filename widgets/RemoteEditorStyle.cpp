@@ -588,9 +588,12 @@ void RemoteEditorStyle::drawScrollBar(const QStyleOptionSlider *bar, QPainter *p
     };
     const QRect groove = part(SC_ScrollBarGroove);
     if (groove.isValid()) {
-        painter->setPen(colorScrollBarForeground);
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(groove.adjusted(0, 0, -1, -1));
+        // Two fillings instead of a pen, which at twice the scale would lie between the pixels.
+        painter->fillRect(groove, colorScrollBarForeground);
+        const QRect inside = groove.adjusted(1, 1, -1, -1);
+        if (inside.isValid()) {
+            painter->fillRect(inside, colorScrollBarBackground);
+        }
     }
     const bool canSub = bar->sliderPosition > bar->minimum;
     const bool canAdd = bar->sliderPosition < bar->maximum;

@@ -179,6 +179,8 @@ private Q_SLOTS:
     void aRealMenuGivesRoomToTextsAndShortcuts();
     void aRealMenuShowsTheSelectedItem();
     void nothingIsPaintedOutsideOfTheItemsRectangle();
+    void everyPixelIsTwoByTwoAtTwiceTheScale_data();
+    void everyPixelIsTwoByTwoAtTwiceTheScale();
 
 private:
     const QStyle &style() const { return *QApplication::style(); }
@@ -254,30 +256,31 @@ void TestEditorStyle::coloursAreTheDocumentedOnes_data()
     QTest::addColumn<int>("red");
     QTest::addColumn<int>("green");
     QTest::addColumn<int>("blue");
-#define ROW(name, r, g, b) QTest::newRow(#name) << name << r << g << b
-    ROW(colorPaletteBase, 153, 153, 153);
-    ROW(colorPaletteText, 24, 15, 2);
-    ROW(colorPaletteHighlight, 24, 15, 2);
-    ROW(colorPaletteHighlightedText, 0, 204, 0);
-    ROW(colorPaletteFrame, 255, 255, 255);
-    ROW(colorScrollBarBackground, 102, 102, 102);
-    ROW(colorScrollBarForeground, 24, 15, 2);
-    ROW(colorListViewLine, 24, 15, 2);
-    ROW(colorMenuBarEnableBackgorund, 0, 0, 0);
-    ROW(colorMenuBarEnableText, 220, 220, 220);
-    ROW(colorMenuBarDisableBackgorund, 0, 0, 0);
-    ROW(colorMenuBarDisableText, 102, 102, 102);
-    ROW(colorMenuBarSelectBackground, 0, 0, 0);
-    ROW(colorMenuBarSelectText, 0, 204, 0);
-    ROW(colorMenuEnableBackground, 153, 153, 153);
-    ROW(colorMenuEnableText, 24, 15, 2);
-    ROW(colorMenuDisableBackground, 153, 153, 153);
-    ROW(colorMenuDisableText, 102, 102, 102);
-    ROW(colorMenuSunkenBackground, 0, 0, 0);
-    ROW(colorMenuSunkenText, 0, 204, 0);
-    ROW(colorMenuSelectBackground, 24, 15, 2);
-    ROW(colorMenuSelectText, 0, 204, 0);
-#undef ROW
+    const auto row = [](const char *name, const QColor &color, int red, int green, int blue) {
+        QTest::newRow(name) << color << red << green << blue;
+    };
+    row("colorPaletteBase", colorPaletteBase, 153, 153, 153);
+    row("colorPaletteText", colorPaletteText, 24, 15, 2);
+    row("colorPaletteHighlight", colorPaletteHighlight, 24, 15, 2);
+    row("colorPaletteHighlightedText", colorPaletteHighlightedText, 0, 204, 0);
+    row("colorPaletteFrame", colorPaletteFrame, 255, 255, 255);
+    row("colorScrollBarBackground", colorScrollBarBackground, 102, 102, 102);
+    row("colorScrollBarForeground", colorScrollBarForeground, 24, 15, 2);
+    row("colorListViewLine", colorListViewLine, 24, 15, 2);
+    row("colorMenuBarEnableBackgorund", colorMenuBarEnableBackgorund, 0, 0, 0);
+    row("colorMenuBarEnableText", colorMenuBarEnableText, 220, 220, 220);
+    row("colorMenuBarDisableBackgorund", colorMenuBarDisableBackgorund, 0, 0, 0);
+    row("colorMenuBarDisableText", colorMenuBarDisableText, 102, 102, 102);
+    row("colorMenuBarSelectBackground", colorMenuBarSelectBackground, 0, 0, 0);
+    row("colorMenuBarSelectText", colorMenuBarSelectText, 0, 204, 0);
+    row("colorMenuEnableBackground", colorMenuEnableBackground, 153, 153, 153);
+    row("colorMenuEnableText", colorMenuEnableText, 24, 15, 2);
+    row("colorMenuDisableBackground", colorMenuDisableBackground, 153, 153, 153);
+    row("colorMenuDisableText", colorMenuDisableText, 102, 102, 102);
+    row("colorMenuSunkenBackground", colorMenuSunkenBackground, 0, 0, 0);
+    row("colorMenuSunkenText", colorMenuSunkenText, 0, 204, 0);
+    row("colorMenuSelectBackground", colorMenuSelectBackground, 24, 15, 2);
+    row("colorMenuSelectText", colorMenuSelectText, 0, 204, 0);
 }
 
 void TestEditorStyle::coloursAreTheDocumentedOnes()
@@ -298,20 +301,22 @@ void TestEditorStyle::imagesHaveTheirSizesAndColours_data()
     const QString dark = QStringLiteral("#180F02");
     const QString grey = QStringLiteral("#666666");
     const QString green = QStringLiteral("#00ff00");
-#define ROW(name, w, h, a, b) QTest::newRow(#name) << QImage(name) << QSize(w, h) << a << b
-    ROW(scrollbar_up_image, 10, 7, dark, grey);
-    ROW(scrollbar_down_image, 10, 7, dark, grey);
-    ROW(scrollbar_left_image, 7, 10, dark, grey);
-    ROW(scrollbar_right_image, 7, 10, dark, grey);
-    ROW(scrollbar_up_highlight_image, 10, 7, dark, green);
-    ROW(scrollbar_down_highlight_image, 10, 7, dark, green);
-    ROW(scrollbar_left_highlight_image, 7, 10, dark, green);
-    ROW(scrollbar_right_highlight_image, 7, 10, dark, green);
-    ROW(radio_image, 5, 5, grey, QStringLiteral("#373737"));
-    ROW(radio_check_image, 5, 5, grey, QStringLiteral("#00cc00"));
-    ROW(list_close_image, 9, 9, dark, QStringLiteral("#999999"));
-    ROW(list_open_image, 9, 9, dark, QStringLiteral("#999999"));
-#undef ROW
+    const auto row = [](const char *name, const char *const *xpm, int width, int height,
+                        const QString &one, const QString &other) {
+        QTest::newRow(name) << QImage(xpm) << QSize(width, height) << one << other;
+    };
+    row("scrollbar_up_image", scrollbar_up_image, 10, 7, dark, grey);
+    row("scrollbar_down_image", scrollbar_down_image, 10, 7, dark, grey);
+    row("scrollbar_left_image", scrollbar_left_image, 7, 10, dark, grey);
+    row("scrollbar_right_image", scrollbar_right_image, 7, 10, dark, grey);
+    row("scrollbar_up_highlight_image", scrollbar_up_highlight_image, 10, 7, dark, green);
+    row("scrollbar_down_highlight_image", scrollbar_down_highlight_image, 10, 7, dark, green);
+    row("scrollbar_left_highlight_image", scrollbar_left_highlight_image, 7, 10, dark, green);
+    row("scrollbar_right_highlight_image", scrollbar_right_highlight_image, 7, 10, dark, green);
+    row("radio_image", radio_image, 5, 5, grey, QStringLiteral("#373737"));
+    row("radio_check_image", radio_check_image, 5, 5, grey, QStringLiteral("#00cc00"));
+    row("list_close_image", list_close_image, 9, 9, dark, QStringLiteral("#999999"));
+    row("list_open_image", list_open_image, 9, 9, dark, QStringLiteral("#999999"));
 }
 
 void TestEditorStyle::imagesHaveTheirSizesAndColours()
@@ -1233,6 +1238,48 @@ void TestEditorStyle::nothingIsPaintedOutsideOfTheItemsRectangle()
             }
         }
     }
+}
+
+void TestEditorStyle::everyPixelIsTwoByTwoAtTwiceTheScale_data()
+{
+    QTest::addColumn<QString>("what");
+    for (const char *what : {"vertical bar", "horizontal bar", "branch", "separator", "mark"}) {
+        QTest::newRow(what) << QString::fromLatin1(what);
+    }
+}
+
+void TestEditorStyle::everyPixelIsTwoByTwoAtTwiceTheScale()
+{
+    QFETCH(QString, what);
+    QTreeWidget tree;
+    tree.setObjectName(QStringLiteral("CPopupTreeWidget"));
+    const auto paint = [&](int ratio) {
+        QImage image = blank(QSize(191, 191) * ratio);
+        image.setDevicePixelRatio(ratio);
+        QPainter painter(&image);
+        if (what.endsWith(QLatin1String("bar"))) {
+            const bool upright = what == QLatin1String("vertical bar");
+            const auto option =
+                barOption(upright ? Qt::Vertical : Qt::Horizontal, 191, 0, 39, 10, 20);
+            style().drawComplexControl(QStyle::CC_ScrollBar, &option, &painter, &m_bar);
+        } else if (what == QLatin1String("branch")) {
+            QStyleOption option;
+            option.rect = QRect(3, 4, 20, 16);
+            option.state = QStyle::State_Item | QStyle::State_Sibling | QStyle::State_Children;
+            style().drawPrimitive(QStyle::PE_IndicatorBranch, &option, &painter, &tree);
+        } else {
+            auto option = itemOption(QString(), QStyle::State_Enabled);
+            if (what == QLatin1String("separator")) {
+                option.menuItemType = QStyleOptionMenuItem::Separator;
+            }
+            option.checkType = QStyleOptionMenuItem::NonExclusive;
+            style().drawControl(QStyle::CE_MenuItem, &option, &painter, &m_menu);
+        }
+        painter.end();
+        image.setDevicePixelRatio(1);
+        return image;
+    };
+    QCOMPARE(paint(2), paint(1).scaled(382, 382));
 }
 
 QTEST_MAIN(TestEditorStyle)

@@ -159,6 +159,7 @@ private Q_SLOTS:
     void theTextStartsBehindTheIcon();
     void theTextIsShiftedByTheOffsets();
     void aMarkIsAFrameAroundTheWholeRow();
+    void rowsIconsAndMarksAreSharpAtTwiceTheScale();
     void trimCutsWhatIsTooWide();
     void trimWithAColumnNarrowerThanTheLabelLeavesTheLabelAlone();
     void withoutTrimTheTextEndsAtTheCell();
@@ -843,6 +844,36 @@ void TestListView::aMarkIsAFrameAroundTheWholeRow()
     list().addMark(2);
     list().clearMarks();
     QVERIFY(!contains(shown(), QRect(0, 0, 100, 100), Mark));
+}
+
+void TestListView::rowsIconsAndMarksAreSharpAtTwiceTheScale()
+{
+    class Painted : public CListView
+    {
+    public:
+        using CListView::paintDoubleBuffer;
+    } view;
+    view.resize(100, 100);
+    view.setColumnCount(2);
+    view.setMarginWidth(3);
+    QPixmap red(7, 6);
+    red.fill(Qt::red);
+    for (int i = 0; i < 4; ++i) {
+        view.addItem({});
+    }
+    view.setItemIcon(2, red);
+    view.addMark(1);
+    const auto paint = [&](int ratio) {
+        QImage image(QSize(100, 100) * ratio, QImage::Format_ARGB32);
+        image.fill(Window);
+        image.setDevicePixelRatio(ratio);
+        QPainter painter(&image);
+        view.paintDoubleBuffer(&painter);
+        painter.end();
+        image.setDevicePixelRatio(1);
+        return image;
+    };
+    QCOMPARE(paint(2), paint(1).scaled(200, 200));
 }
 
 void TestListView::trimCutsWhatIsTooWide()
