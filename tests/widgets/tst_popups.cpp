@@ -80,6 +80,7 @@ private Q_SLOTS:
     void arrowKeysAndReturn();
     void pressOutsideAndReleaseInsideChoosesNothing();
     void pressInsideAndReleaseOutsideChoosesNothing();
+    void releaseBesideAnItemThatIsWiderThanThePopupChoosesNothing();
     void releaseOnAnotherItemThanPressed();
     void theRightButtonChoosesNothing();
     void aDisabledItemIsNotChosen();
@@ -533,6 +534,23 @@ void TestPopups::pressInsideAndReleaseOutsideChoosesNothing()
         QVERIFY(popup->isVisible());
         popup->close();
     }));
+}
+
+void TestPopups::releaseBesideAnItemThatIsWiderThanThePopupChoosesNothing()
+{
+    auto *popup = newList(3);
+    auto *list = popup->getListWidget();
+    list->item(1)->setText(QString(200, u'W'));
+    whileOpen(popup, [popup, list] {
+        const QPoint inside(20, list->visualItemRect(list->item(1)).center().y());
+        const QPoint outside = inside + QPoint(300, 0);
+        QCOMPARE(list->itemAt(outside), list->item(1));
+        QTest::mousePress(list->viewport(), Qt::LeftButton, Qt::NoModifier, inside);
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, Qt::NoModifier, outside);
+        QVERIFY(popup->isVisible());
+        popup->close();
+    });
+    QVERIFY(!popup->exec(Middle));
 }
 
 void TestPopups::releaseOnAnotherItemThanPressed()

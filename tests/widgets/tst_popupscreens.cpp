@@ -4,6 +4,7 @@
 #include <QtTest/QtTest>
 
 #include <QtGui/QScreen>
+#include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
 
 // Popups on two screens side by side, of which the right one has two device pixels for each pixel.
@@ -36,8 +37,8 @@ private:
         popup->resize(120, 100);
         QTimer::singleShot(0, popup, [popup, &seen] {
             // This platform gives every window a frame.
-            seen = {QRect(popup->pos(), popup->size()), popup->screen()->name(),
-                    popup->devicePixelRatioF()};
+            seen = {QRect(popup->windowHandle()->framePosition(), popup->size()),
+                    popup->screen()->name(), popup->devicePixelRatioF()};
             popup->close();
         });
         popup->exec(place);
