@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Painting of the widgets against the bare drawing of the same things in the same run, and the time
+// that cutting a text takes by its length.
+
+#include "widgets/CListView.h"
+#include "widgets/DoubleBuffer.h"
+#include "widgets/FontHelpers.h"
+#include "widgets/StyleColors.h"
+#include "widgets/StyleImages.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtGui/QPaintEvent>
+#include <QtGui/QPainter>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QWidget>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int RowHeight = 15;
+constexpr int RowPitch = 17;
+constexpr QSize ListSize(198, 195);
+constexpr QSize CellSize(71, 21);
+constexpr QSize BarSize(16, 191);
+
+double seconds(Clock::duration duration)
+{
+    return std::chrono::duration<double>(duration).count();
+}
+
+QFont benchFont(int pixelSize)
+{
+    QFont font;
+    font.setPixelSize(pixelSize);
+    font.setStyleStrategy(QFont::NoAntialias);
+    return font;
+}
+
+// Takes turns, so that both meet the same state of the machine. The reported time is the first's,
+// ratio how much longer it takes than the second.
+template <class Own, class Bare>
+void compare(benchmark::State &state, Own own, Bare bare)
+{
+    Clock::duration ownTime{0};
+    Clock::duration bareTime{0};
+    own();
+    bare();
+    for ([[maybe_unused]] auto step : state) {
+        const Clock::time_point start = Clock::now();
+        own();
+        const Clock::time_point middle = Clock::now();
+        bare();
+        bareTime += Clock::now() - middle;
+        ownTime += middle - start;
+        state.SetIterationTime(seconds(middle - start));
+    }
+    state.counters["ratio"] = seconds(ownTime) / seconds(bareTime);
+}
+
+// The picture of a widget's size that a repaint begins with.
+template <class Paint>
+void paintBare(const QSize &size, const QFont &font, Paint paint)
+{
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setFont(font);
+    painter.setRenderHint(QPainter::TextAntialiasing, false);
+    paint(painter);
+    benchmark::DoNotOptimize(pixmap);
+}
+
+void repaintList(benchmark::State &state)
+{
+    const auto rows = int(state.range(0));
+    CListView list;
+    QScrollBar bar;
+    list.resize(ListSize);
+    list.setFont(benchFont(10));
+    list.setScrollBar(&bar);
+    for (int row = 0; row < rows; ++row) {
+        list.addItem({QStringLiteral("%1  Template").arg(row)});
+    }
+    bar.setValue(rows / 2);
+    list.show();
+    QCoreApplication::processEvents();
+    const int shown = list.visibleRows();
+    compare(
+        state,
+        [&] {
+            list.updateDoubleBuffer();
+            list.updateDoubleBufferPixmap();
+        },
+        [&] {
+            paintBare(ListSize, list.font(), [&](QPainter &painter) {
+                painter.setPen(list.foregroundColor());
+                for (int place = 0; place < shown; ++place) {
+                    const QRect row(0, place * RowPitch, ListSize.width(), RowHeight);
+                    painter.fillRect(row, place % 2 ? list.backgroundOddRowColor()
+                                                    : list.backgroundEvenRowColor());
+                    painter.drawText(row, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                                     list.text(rows / 2 + place, 0));
+                }
+            });
+        });
+}
+BENCHMARK(repaintList)->Arg(50)->Arg(100000)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+// A list that cuts each of its texts.
+void repaintTrimmedList(benchmark::State &state)
+{
+    CListView list;
+    list.resize(ListSize);
+    list.setFont(benchFont(10));
+    list.setTrim(true);
+    const QString text(state.range(0), u'n');
+    for (int row = 0; row < 11; ++row) {
+        list.addItem({text});
+    }
+    list.show();
+    QCoreApplication::processEvents();
+    for ([[maybe_unused]] auto step : state) {
+        list.updateDoubleBuffer();
+        list.updateDoubleBufferPixmap();
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(repaintTrimmedList)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
+
+void repaintScrollBar(benchmark::State &state)
+{
+    QScrollBar bar(Qt::Vertical);
+    bar.setRange(0, 39);
+    bar.setValue(20);
+    bar.resize(BarSize);
+    bar.show();
+    QCoreApplication::processEvents();
+    const QImage up(scrollbar_up_image);
+    const QImage down(scrollbar_down_image);
+    QPixmap pixmap(BarSize);
+    compare(
+        state, [&] { bar.render(&pixmap, QPoint(), QRegion(), QWidget::RenderFlags()); },
+        [&] {
+            QPainter painter(&pixmap);
+            painter.fillRect(QRect(QPoint(), BarSize), colorScrollBarBackground);
+            painter.setPen(colorScrollBarForeground);
+            painter.drawRect(QRect(4, 21, 7, 165));
+            painter.fillRect(QRect(5, 89, 6, 33), colorScrollBarForeground);
+            painter.drawImage(QRect(3, 3, 10, 7), up);
+            painter.drawImage(QRect(3, 11, 10, 7), down);
+        });
+}
+BENCHMARK(repaintScrollBar)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+// A cell of the LCD: two lines of text in a widget with a picture of itself.
+class Cell : public QWidget, public DoubleBuffer
+{
+public:
+    explicit Cell(QWidget *parent = nullptr)
+        : QWidget(parent)
+        , DoubleBuffer(this)
+    {
+        resize(CellSize);
+        setFont(benchFont(8));
+    }
+    static void paint(QPainter *painter)
+    {
+        painter->setPen(Qt::black);
+        painter->drawText(QRect(QPoint(), CellSize), Qt::AlignLeft | Qt::AlignVCenter,
+                          QStringLiteral("CC074\nCutoff"));
+    }
+    void paintDoubleBuffer(QPainter *painter) override { paint(painter); }
+
+protected:
+    bool event(QEvent *event) override { return eventDoubleBuffer(event) || QWidget::event(event); }
+};
+
+void repaintCell(benchmark::State &state)
+{
+    Cell cell;
+    cell.show();
+    QCoreApplication::processEvents();
+    compare(
+        state,
+        [&] {
+            cell.updateDoubleBuffer();
+            cell.updateDoubleBufferPixmap();
+        },
+        [&] {
+            paintBare(CellSize, cell.font(), [](QPainter &painter) { Cell::paint(&painter); });
+        });
+}
+BENCHMARK(repaintCell)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+// A widget that does nothing but copy a picture.
+class Copy : public QWidget
+{
+public:
+    explicit Copy(const QPixmap &picture)
+        : m_picture(picture)
+    {
+        resize(picture.size());
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.drawPixmap(0, 0, m_picture);
+    }
+
+private:
+    QPixmap m_picture;
+};
+
+void paintUnchanged(benchmark::State &state)
+{
+    CListView list;
+    list.resize(ListSize);
+    for (int row = 0; row < 50; ++row) {
+        list.addItem({QStringLiteral("%1  Template").arg(row)});
+    }
+    Copy copy(list.grab());
+    list.show();
+    copy.show();
+    QCoreApplication::processEvents();
+    compare(
+        state, [&] { list.repaint(); }, [&] { copy.repaint(); });
+}
+BENCHMARK(paintUnchanged)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void trimTextTo(benchmark::State &state, int width, const QString &text)
+{
+    QWidget widget;
+    widget.setFont(benchFont(8));
+    if (width <= 0) {
+        width = widget.fontMetrics().horizontalAdvance(text) / 2;
+    }
+    for ([[maybe_unused]] auto step : state) {
+        benchmark::DoNotOptimize(trimText(&widget, text, width));
+    }
+    state.SetComplexityN(state.range(0));
+}
+
+QString longText(qint64 length)
+{
+    return QStringLiteral("Filter Cutoff ").repeated(length / 14 + 1).left(length);
+}
+
+// Down to a cell of the LCD.
+void trimTextToACell(benchmark::State &state)
+{
+    trimTextTo(state, CellSize.width(), longText(state.range(0)));
+}
+BENCHMARK(trimTextToACell)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
+
+void trimTextToHalf(benchmark::State &state)
+{
+    trimTextTo(state, 0, longText(state.range(0)));
+}
+BENCHMARK(trimTextToHalf)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
+
+} // namespace
