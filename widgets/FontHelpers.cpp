@@ -31,6 +31,9 @@ void adjustFont(QWidget *widget)
     if (widget->testAttribute(Qt::WA_SetFont)) {
         QFont font = widget->font();
         font.setStyleHint(QFont::AnyStyle, QFont::NoAntialias);
+        // The letters lie on whole pixels as they are. Hinting would round their widths, and the
+        // letter spacing of a tenth of a pixel with them, to unequal gaps.
+        font.setHintingPreference(QFont::PreferNoHinting);
         const QString family = font.family();
         if (family == SmallFamily) {
             font.setPixelSize(SmallPixelSize);

@@ -288,9 +288,32 @@ private Q_SLOTS:
                  QStringLiteral(":/images/none.png"));
         QCOMPARE(artworkFile(QString(), 2), QString());
         QVERIFY(artwork(QStringLiteral(":/images/none.png"), 2).isNull());
+        QVERIFY(artwork(":/images/none.png").isNull());
+    }
+
+    void aPictureIsExchangedForTheOneOfAnotherScreen()
+    {
         // The screen of this test is a plain one.
-        QCOMPARE(artworkFile(path("vd_arrow")), path("vd_arrow"));
-        QCOMPARE(artworkFile(":/images/vd_arrow.png"), path("vd_arrow"));
+        const QPixmap plain = artwork(":/images/vd_arrow.png");
+        QCOMPARE(plain.devicePixelRatio(), 1.0);
+        const QPixmap fine = artworkFor(plain, 2);
+        QCOMPARE(fine.devicePixelRatio(), 2.0);
+        QCOMPARE(fine.deviceIndependentSize(), plain.deviceIndependentSize());
+        QCOMPARE(artworkFor(fine, 2).cacheKey(), fine.cacheKey());
+        const QPixmap copy = fine;
+        QCOMPARE(artworkFor(copy, 1).cacheKey(), plain.cacheKey());
+    }
+
+    void aPixmapFromElsewhereIsNotExchanged()
+    {
+        QPixmap own(7, 5);
+        own.fill(Qt::red);
+        QCOMPARE(artworkFor(own, 2).cacheKey(), own.cacheKey());
+        QVERIFY(artworkFor({}, 2).isNull());
+        // Painted over, a picture is no longer the artwork that it came from.
+        QPixmap changed = artwork(":/images/vd_arrow.png");
+        changed.fill(Qt::blue);
+        QCOMPARE(artworkFor(changed, 2).cacheKey(), changed.cacheKey());
     }
 
     void theStoreFlashFadesByItsAlphaChannel()
