@@ -15,9 +15,7 @@ namespace
 const char *const Lines[] = {
     "ABCDEFGHIJKLMNOPQRSTUVWXYZ  abcdefghijklmnopqrstuvwxyz",
     "0123456789  !\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~",
-    "\xc3\x84\xc3\x96\xc3\x9c \xc3\xa4\xc3\xb6\xc3\xbc \xc3\x9f \xc3\xa9\xc3\xa8\xc3\xaa \xc3\xb1 "
-    "\xc3\xa7 \xc3\xa5 \xc3\xb8 \xc3\xa6 \xc2\xbf\xc2\xa1 \xc2\xa3\xc2\xa5\xc2\xa7\xc2\xb0\xc2\xb1 "
-    "\xef\xac\x82",
+    "ÄÖÜ äöü ß éèê ñ ç å ø æ ¿¡ £¥§°± \uFB02",
     "0O  1lI|  5S  8B  rn m  cl d  vv w  2Z  6G",
     "Template No:50   CC#=127   CC001   -64 to +63   TARN/TERN Port1",
     "Unsaved changes. Exit anyway?   Pan Left-Right   FltReso   PrtmtTm",
