@@ -14,8 +14,8 @@ class CSimpleNotifier;
 class CText;
 class EditorMainWindow;
 class QMimeData;
+class QKeyEvent;
 class QMouseEvent;
-class QContextMenuEvent;
 class QDragMoveEvent;
 class QDropEvent;
 class RemoteMemAPI;
@@ -109,29 +109,36 @@ private:
 
     // --- Display.
     bool isOtherDAW() const;
+    // The template's knobs are remote parameters of an instrument that the DAW plays.
+    bool isRemote() const;
     // The long name of the template's instrument, null if it is unknown.
     QString longVSTiName() const;
     void updateLCDCell(int knob, const QString &vsti);
     void enableRemoteGUI();
     void disableRemoteGUI();
-    void updateRemoteCCLabels();
-    void assignCurrentTemplate(int number);
+    void hideRemoteChoice();
 
     // --- Knobs.
     void knobPressed(const QMouseEvent *event);
     bool knobMoved(int knob, const QMouseEvent *event);
-    bool knobDoubleClicked(int knob);
-    bool knobReturnPressed(int knob);
+    void knobDoubleClicked(int knob);
+    bool knobKeyPressed(int knob, const QKeyEvent *event);
     void knobDragged(int knob, QDragMoveEvent *event) const;
     void knobDropped(int knob, QDropEvent *event);
-    void knobMenu(int knob, const QContextMenuEvent *event);
+    void knobMenu(int knob, const QPoint &position);
     void dragKnob(int knob, Qt::KeyboardModifiers modifiers);
     QPixmap knobPicture(int knob) const;
     void flashKnob(int knob) const;
     QMimeData *createKnobMimeData(int knob) const;
+    // -1 for data that is no knob's.
+    static int getKnobNumberFromKnobMimeData(const QMimeData *data);
+    // Writes the knob and flashes it. False, with nothing written: a part was missing or damaged.
     bool setKnobMimeData(const QMimeData *data, int knob);
 
+    // --- Choices and files.
+    void chooseVSTi(const QString &name);
     bool writeDocument(const QString &path, QString *error);
+    bool mayOverwrite(const QString &path);
 
     std::unique_ptr<Ui::EditorTemplate> ui;
     EditorMainWindow *mainWindow;
