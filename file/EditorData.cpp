@@ -245,26 +245,6 @@ bool EditorData::setControllerDomElement(RemoteMemAPI *api, const QDomElement &e
     return complete;
 }
 
-bool EditorData::isWholeControllerDomElement(const QDomElement &element)
-{
-    const auto partOf = [&](const QString &tag) { return element.firstChildElement(tag); };
-    const auto takesNumber = [](const QDomElement &part, const NumericParameter &like) {
-        bool isNumber = true;
-        const int value = part.text().isEmpty() ? 0 : part.text().toInt(&isNumber);
-        return !part.isNull() && isNumber && value >= like.getMinValue() &&
-               value <= like.getMaxValue();
-    };
-    ControllerData knob;
-    const QDomElement name = partOf(TagControllerDisplayName);
-    const QDomElement id = partOf(TagControllerRemoteNumber);
-    knob.setDisplayName(name.text());
-    knob.setRemoteTagID(id.text());
-    return !name.isNull() && knob.getDisplayName() == name.text() && !id.isNull() &&
-           knob.getRemoteTagID() == id.text().toLower() &&
-           takesNumber(partOf(TagControllerCCNumber), knob.getCCNum()) &&
-           takesNumber(partOf(TagControllerDisplayFormat), knob.getDispFormat());
-}
-
 // --- Remote identifiers --------------------------------------------------------------------------
 
 QString EditorData::translateVdremoteparam2Tremoteparam(const QString &vd)

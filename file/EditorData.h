@@ -38,10 +38,6 @@ public:
     static bool setControllerDomElement(RemoteMemAPI *api, const QDomElement &element, int bank,
                                         int template_, int controller, const QString &docType,
                                         const QString &tag);
-    // Whether setControllerDomElement() would write all of the knob: every part is there, its
-    // numbers are numbers or empty, and the memory would refuse none. For data whose origin is
-    // unknown, which is to be taken as a whole or not at all.
-    static bool isWholeControllerDomElement(const QDomElement &element);
     // The first child with that tag, parsed in decimal, at the address of four numbers. True if it
     // was there, whether or not the value was taken. Text that is no number counts as 0.
     static bool setNumericParamFromDomElement(RemoteMemAPI *api, const QDomElement &parent,

@@ -75,7 +75,7 @@ bool EditorTemplate::setKnobMimeData(const QMimeData *data, int knob)
     QDomDocument document;
     const QDomElement root = parseKnob(data, &document);
     // Nobody knows who has made the data, so all of it is looked at before any of it is written.
-    if (!EditorData::isWholeControllerDomElement(root)) {
+    if (!EditorData::isWholeControllerElement(root, QString())) {
         return false;
     }
     flashKnob(knob);
