@@ -72,6 +72,11 @@ void MemProxy::unbind()
     }
 }
 
+MemProxy::MemoryLock MemProxy::lockMemory() const
+{
+    return memAPI != nullptr ? MemoryLock(memAPI->memoryMutex) : MemoryLock();
+}
+
 void MemProxy::assign()
 {
     if (MemController *own = getController()) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Locks.h"
 #include "memory/MemChangeObserver.h"
 #include "memory/MemControllerHelper.h"
 
@@ -10,6 +11,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 class MemControllerFactory;
 class MemProxy;
@@ -79,6 +81,11 @@ public:
     void setMemAPIString(const QString &text);
 
 protected:
+    // Holds memoryMutex (nothing, without a memory). A bound object that shows what it reads, and
+    // writes what it shows, holds it over both: otherwise it may write the value back over one that
+    // another thread has written in between.
+    using MemoryLock = std::unique_lock<RecursiveMutex>;
+    [[nodiscard]] MemoryLock lockMemory() const;
     // Leaves the list of observers and falls silent for good.
     void unbind();
 

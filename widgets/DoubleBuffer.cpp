@@ -77,3 +77,16 @@ void DoubleBuffer::updateDoubleBufferPixmap()
     bufferPixmap = pixmap;
     dirty = false;
 }
+
+bool DoubleBuffer::changesLettering(const QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FontChange:
+    case QEvent::PaletteChange:
+    case QEvent::EnabledChange:
+    case QEvent::ActivationChange:
+        return true;
+    default:
+        return false;
+    }
+}

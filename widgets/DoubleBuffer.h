@@ -36,6 +36,10 @@ public:
     void updateDoubleBufferPixmap();
 
 protected:
+    // Whether a QWidget::changeEvent() tells of a font or a colour, so that lettering looks
+    // otherwise from now on.
+    static bool changesLettering(const QEvent *event);
+
     QWidget *widget;
     bool dirty = true;
     bool polished = false;

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "widgets/CFrame.h"
+
+#include <QtGui/QPainter>
+
+CFrame::CFrame(QWidget *parent)
+    : QFrame(parent)
+    , DoubleBuffer(this)
+{
+    setFocusPolicy(Qt::ClickFocus);
+}
+
+void CFrame::setBackgroundPixmap(const QPixmap &pixmap)
+{
+    m_backgroundPixmap = pixmap;
+    updateDoubleBuffer();
+}
+
+void CFrame::paintDoubleBuffer(QPainter *painter)
+{
+    painter->drawPixmap(0, 0, m_backgroundPixmap);
+}
+
+bool CFrame::event(QEvent *event)
+{
+    return eventDoubleBuffer(event) || QFrame::event(event);
+}
+
+void CFrame::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    // A larger frame shows more of its picture.
+    updateDoubleBuffer();
+}
