@@ -9,12 +9,12 @@
 #include <QtCore/QDir>
 #include <QtCore/QPointer>
 #include <QtCore/QSettings>
+#include <QtCore/QTimer>
 #include <QtWidgets/QMessageBox>
 
 #include <memory>
 
 class About;
-class AnalyzeVSTi;
 class AutoSync;
 class CSimpleNotifier;
 class EditorLibrary;
@@ -31,7 +31,6 @@ class QMenuBar;
 class RemoteMemAPI;
 class ResetStoredConfirm;
 class RestoreHWConfirm;
-class Setup;
 class StoreConfirm;
 namespace Ui
 {
@@ -192,20 +191,25 @@ private:
     void chooseDAW();
     void choosePort();
 
-    bool openRoute(int index);
-    void showPanel(EditorOverlap *panel);
+    void openRoute();
+    int templateToReset() const;
+    static void placePanel(EditorOverlap *panel);
     // Makes the panel if the guard is null, and shows it.
     template <typename Panel, typename... Arguments>
-    Panel *showPanel(QPointer<Panel> *guard, Arguments &&...arguments);
+    void showPanel(QPointer<Panel> *guard, Arguments &&...arguments);
     // A reset's question or About: the library's keys are off while it stands.
     template <typename Panel>
     void showModalPanel(QPointer<Panel> *guard);
+    // Runs a modal box or dialog with staying on top suspended, so that it never hides.
     template <typename Show>
-    QMessageBox::StandardButton box(Show show);
+    auto aboveAll(Show show);
+    void retryWaitingFiles();
+    bool moveIsGood() const;
+    void endDrag();
     bool hasUnsavedEdits() const;
-    void applyLayout(bool small, bool buttonShown);
-    QAction *addEntry(QMenu *menu, const QString &text, const QKeySequence &key,
-                      void (EditorMainWindow::*slot)());
+    template <typename Slot>
+    QAction *addEntry(QMenu *menu, const QString &text, const QKeySequence &key, Slot slot);
+    QMenu *addMenu(QMenu *parent, const QString &text);
 
     std::unique_ptr<Ui::EditorMainWindow> ui;
     RemoteMemAPI *remoteMemAPI;
@@ -229,6 +233,8 @@ private:
     QString dawName;
     QString portName;        // of the last port that failed to open
     QString pendingOpenFile; // waits for the user's answer on unsaved edits
+    QStringList m_waitingFiles; // asked for while the way is blocked, oldest first
+    QTimer m_fileRetry;
     VSTiInfo vstiInfo;
     bool analyzeVSTiPending = false;
     bool autoSyncPending = false;
@@ -240,9 +246,7 @@ private:
     bool midiRouteOpen = false;
     EditorTemplate *editorTemplate = nullptr;
     EditorLibrary *editorLibrary = nullptr;
-    QPointer<AnalyzeVSTi> analyzeVSTiPanel;
     QPointer<AutoSync> autoSyncPanel;
-    QPointer<Setup> setupPanel;
     QPointer<About> aboutPanel;
     QPointer<CloseConfirm> closeConfirmPanel;
     QPointer<PortOpenError> portOpenErrorPanel;

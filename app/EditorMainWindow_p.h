@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/EditorMainWindow.h"
+#include "app/WindowLevel.h"
+#include "images/Artwork.h"
+#include "views/EditorLibrary.h"
+#include "views/EditorOverlap.h"
+
+#include <utility>
+
+// The templates that more than one source of the window uses.
+
+template <typename Show>
+auto EditorMainWindow::aboveAll(Show show)
+{
+    const bool wasOnTop = windowOnTop;
+    if (wasOnTop) {
+        windowOnTop = false;
+        setWindowLevel(this, false);
+        setFocus(Qt::OtherFocusReason);
+    }
+    auto result = show();
+    if (wasOnTop) {
+        // Unless it has been set again meanwhile.
+        if (!windowOnTop) {
+            windowOnTop = true;
+            setWindowLevel(this, true);
+        }
+        setFocus(Qt::OtherFocusReason);
+    }
+    return result;
+}
+
+template <typename Panel, typename... Arguments>
+void EditorMainWindow::showPanel(QPointer<Panel> *guard, Arguments &&...arguments)
+{
+    if (guard->isNull()) {
+        *guard = new Panel(this, std::forward<Arguments>(arguments)...);
+    }
+    placePanel(guard->data());
+}
+
+template <typename Panel>
+void EditorMainWindow::showModalPanel(QPointer<Panel> *guard)
+{
+    if (guard->isNull()) {
+        *guard = new Panel(this);
+        connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);
+    }
+    editorLibrary->enableKeyboardShortcuts(false);
+    placePanel(guard->data());
+}
