@@ -18,6 +18,8 @@ class CText;
 class EditorMainWindow;
 class QContextMenuEvent;
 class QDragMoveEvent;
+class QDomDocument;
+class QDomElement;
 class QDropEvent;
 class QMimeData;
 class QMouseEvent;
@@ -83,6 +85,10 @@ public:
     void pasteTemplate();
     void initializeTemplate();
 
+    // Writes the content of the data itself to a template of the active list, which no command
+    // does. False, and nothing written, for data that pasteTemplate() would refuse.
+    bool setTemplateMimeData(const QMimeData *data, int number);
+
     // The resets, from the stored bank, the instrument's edit buffer at start-up and the presets.
     // number: the template to put in front, negative for the selected one.
     void resetStoredData(int number);
@@ -136,11 +142,13 @@ private:
 
     // Of the list that a drag comes from, the two of this view or none.
     enum DragSource { DragFromTemplates = 0, DragFromImport = 1, NoDrag = 2 };
-    // A template in one of the two lists, as dragged or copied data names it.
+    // A template of one of the two lists, as dragged or copied data names it.
     struct TemplatePlace
     {
-        int bank = -1;
-        int number = -1;
+        int bank;
+        int number;
+
+        bool operator==(const TemplatePlace &) const = default;
     };
 
     // --- Construction.
@@ -152,27 +160,31 @@ private:
     void installShortcut(const QString &key, Slot slot);
 
     // --- Display.
-    QString listText(const CSimpleNotifier *name, std::size_t number) const;
-    void showBank(int bank, int number);
+    void fillList(CListView *list,
+                  const std::array<CSimpleNotifier *, ParamAddress::TemplateCount> &names);
+    // What the preview shows.
     void showTemplate(int number);
-    void updatePreviewKnob(std::size_t knob, const QString &vsti, bool remote);
+    void showBankAndTemplate(int bank, int number);
+    void updateRemoteKnob(std::size_t knob, const QString &vsti);
+    void updateCCKnob(std::size_t knob, bool trimmed);
     void flashItem(int number) const;
 
     // --- Clipboard and drag data.
     QMimeData *createTemplateMimeData(int number) const;
-    // Nothing for null, damaged or foreign data.
+    // Null for null, damaged or foreign data; document keeps what it points into.
+    static QDomElement templateElement(const QMimeData *data, QDomDocument *document);
+    // -1 without the attribute.
+    static int getTemplateNumberFromTemplateMimeData(const QDomElement &element);
+    static int getBankNumberFromTemplateMimeData(const QDomElement &element);
     static std::optional<TemplatePlace> templatePlace(const QMimeData *data);
-    static int getTemplateNumberFromTemplateMimeData(const QMimeData *data);
-    static int getBankNumberFromTemplateMimeData(const QMimeData *data);
-    // Writes the data's own content to a place of the active list.
-    bool setTemplateMimeData(const QMimeData *data, int number);
-
     // --- Mouse.
+    bool listEvent(CListView *list, QEvent *event);
+    bool templateListEvent(QEvent *event);
     bool listMoved(CListView *list, const QMouseEvent *event);
     void dragTemplate(CListView *list, int number, Qt::KeyboardModifiers modifiers);
     QPixmap dragPicture(const CListView *list, int number) const;
     void dragMoved(QDragMoveEvent *event);
-    void dropped(QDropEvent *event);
+    bool dropped(QDropEvent *event);
     bool contextMenu(const QContextMenuEvent *event);
     void startScrolling(int direction);
     void stopScrolling();
