@@ -91,7 +91,7 @@ qsizetype overloadedTag(QStringView text)
 }
 
 // The streaming pass. False with message and line set if the text is not to be parsed.
-bool check(const QString &text, QString *message, int *line)
+bool check(const QString &text, const XmlDocument::Limits &limits, QString *message, int *line)
 {
     const qsizetype overloaded = overloadedTag(text);
     if (overloaded >= 0) {
@@ -107,10 +107,10 @@ bool check(const QString &text, QString *message, int *line)
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
-            if (++elements > XmlDocument::MaximumElements) {
+            if (++elements > limits.elements) {
                 return refuseHere(QStringLiteral("The document has too many elements."));
             }
-            if (++depth > XmlDocument::MaximumDepth) {
+            if (++depth > limits.depth) {
                 return refuseHere(QStringLiteral("The elements are nested too deeply."));
             }
             break;
@@ -137,17 +137,18 @@ bool check(const QString &text, QString *message, int *line)
 
 } // namespace
 
-bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString *message, int *line)
+bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
+                        const Limits &limits)
 {
     *document = QDomDocument();
-    if (text.size() > MaximumBytes) {
+    if (text.size() > limits.bytes) {
         return refuse(QStringLiteral("The document is too large."), 1, message, line);
     }
     QString characters;
     if (!decode(text, &characters)) {
         return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
     }
-    if (!check(characters, message, line)) {
+    if (!check(characters, limits, message, line)) {
         return false;
     }
     if (!document->setContent(characters, true, message, line)) {
