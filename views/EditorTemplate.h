@@ -131,9 +131,9 @@ private:
     void flashKnob(int knob) const;
     QMimeData *createKnobMimeData(int knob) const;
     // -1 for data that is no knob's.
-    static int getKnobNumberFromKnobMimeData(const QMimeData *data);
+    static int getKnobNumberFromKnobMimeData(const QMimeData *mime);
     // Writes the knob and flashes it. False, with nothing written: a part was missing or damaged.
-    bool setKnobMimeData(const QMimeData *data, int knob);
+    bool setKnobMimeData(const QMimeData *mime, int knob);
 
     // --- Choices and files.
     void chooseVSTi(const QString &name);

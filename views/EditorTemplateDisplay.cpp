@@ -181,10 +181,10 @@ void EditorTemplate::disableRemoteGUI()
 
 void EditorTemplate::enableRemoteGUI()
 {
-    for (QWidget *widget : std::initializer_list<QWidget *>{
+    for (QWidget *control : std::initializer_list<QWidget *>{
              ui->btnRemote, ui->btnCC, ui->btnRemotePanel, ui->btnCCPanel,
              ui->txtRemoteControlParameter, ui->btnRemoteControlParameter, ui->editVSTiName}) {
-        widget->show();
+        control->show();
     }
     ui->lblRemote->setVisible(ui->btnRemote->isChecked());
     ui->lblCC->setVisible(ui->btnCC->isChecked());
@@ -193,9 +193,9 @@ void EditorTemplate::enableRemoteGUI()
 // Without a DAW that knows remote parameters there is nothing to choose: a knob is a CC.
 void EditorTemplate::hideRemoteChoice()
 {
-    for (QWidget *widget : std::initializer_list<QWidget *>{ui->btnRemote, ui->btnCC, ui->lblRemote,
-                                                            ui->btnRemotePanel, ui->btnCCPanel}) {
-        widget->hide();
+    for (QWidget *control : std::initializer_list<QWidget *>{
+             ui->btnRemote, ui->btnCC, ui->lblRemote, ui->btnRemotePanel, ui->btnCCPanel}) {
+        control->hide();
     }
     ui->lblCC->show();
 }

@@ -56,24 +56,24 @@ QMimeData *EditorTemplate::createKnobMimeData(int knob) const
         remoteMemAPI, &document, Bank::EditBuffer, getCurrentTemplateNumber(), knob, QString());
     root.setAttribute(EditorData::AttributeKnobNumber, knob);
     document.appendChild(root);
-    auto *data = new QMimeData;
-    data->setData(KnobMimeType, document.toByteArray(1));
-    return data;
+    auto *mime = new QMimeData;
+    mime->setData(KnobMimeType, document.toByteArray(1));
+    return mime;
 }
 
-int EditorTemplate::getKnobNumberFromKnobMimeData(const QMimeData *data)
+int EditorTemplate::getKnobNumberFromKnobMimeData(const QMimeData *mime)
 {
     QDomDocument document;
-    const QDomElement root = parseKnob(data, &document);
+    const QDomElement root = parseKnob(mime, &document);
     bool isNumber = false;
     const int knob = root.attribute(EditorData::AttributeKnobNumber).toInt(&isNumber);
     return isNumber && knob >= 0 && knob < KnobCount ? knob : NoKnob;
 }
 
-bool EditorTemplate::setKnobMimeData(const QMimeData *data, int knob)
+bool EditorTemplate::setKnobMimeData(const QMimeData *mime, int knob)
 {
     QDomDocument document;
-    const QDomElement root = parseKnob(data, &document);
+    const QDomElement root = parseKnob(mime, &document);
     // Nobody knows who has made the data, so all of it is looked at before any of it is written.
     if (!EditorData::isWholeControllerElement(root, QString())) {
         return false;
@@ -90,8 +90,8 @@ bool EditorTemplate::setKnobMimeData(const QMimeData *data, int knob)
 bool EditorTemplate::canPaste() const
 {
     // Null when the owner of the clipboard has gone.
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    return data != nullptr && data->hasFormat(KnobMimeType);
+    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
+    return mime != nullptr && mime->hasFormat(KnobMimeType);
 }
 
 void EditorTemplate::copyKnob()

@@ -95,7 +95,7 @@ public:
         if (path.isEmpty()) {
             return nullptr;
         }
-        return new QTreeWidgetItem(folderOf(path.chopped(1)), {path.constLast()});
+        return new QTreeWidgetItem(folderOf(path.first(path.size() - 1)), {path.constLast()});
     }
 
 private:
