@@ -151,7 +151,7 @@ void InstrumentDial::paintRing(QPainter &painter) const
     const qreal at = static_cast<qreal>(value()) / maximum();
     const qreal origin = m_format == Format::Bipolar ? static_cast<qreal>(Middle) / maximum() : 0.0;
     // At its origin the ring still shows a point of light.
-    const qreal least = 0.012;
+    const qreal least = 0.018;
     const qreal low = qMax(0.0, qMin(at, origin) - least);
     const qreal high = qMin(1.0, qMax(at, origin) + least);
     arc(low, high, looks::Accent, RingWidth);

@@ -20,7 +20,7 @@ constexpr int TemplateBaseline = 41;
 constexpr int RuleY = 47;
 constexpr int KnobBaseline = 69;
 constexpr QRect Bar(Left, 76, Right - Left, 4);
-constexpr int TextColumn = Left + 36; // names, behind the number and the knob's place
+constexpr int TextColumn = Left + 38; // names, behind the number and the knob's place
 
 // A word that stands out, dark with light letters; returns where it begins.
 int tag(QPainter &painter, int right, const QString &word)

@@ -35,14 +35,24 @@ bool InstrumentKey::hitButton(const QPoint &position) const
 
 void InstrumentKey::setHasLamp(bool hasLamp)
 {
-    m_hasLamp = hasLamp;
-    update();
+    if (m_hasLamp != hasLamp) {
+        m_hasLamp = hasLamp;
+        update();
+    }
 }
 
 void InstrumentKey::setLit(bool lit)
 {
     if (m_lit != lit) {
         m_lit = lit;
+        update();
+    }
+}
+
+void InstrumentKey::setDimmed(bool dimmed)
+{
+    if (m_dimmed != dimmed) {
+        m_dimmed = dimmed;
         update();
     }
 }
@@ -68,10 +78,10 @@ void InstrumentKey::paintEvent(QPaintEvent * /*event*/)
     top.setColorAt(1, down ? looks::grey(58) : looks::KeyBottom);
     painter.fillPath(shape, top);
     if (hasFocus()) {
-        looks::roundedEdge(painter, cap.adjusted(1.5, 1.5, -1.5, -1.5), 1.5, looks::Shade);
+        looks::roundedEdge(painter, cap.adjusted(1.5, 1.5, -1.5, -1.5), 1.5, looks::Outline);
     }
 
-    const QColor ink = !isEnabled() ? looks::Shade : down ? looks::Accent : looks::Ink;
+    const QColor ink = m_dimmed ? looks::Shade : down ? looks::Accent : looks::Ink;
     if (m_face == Face::Caption) {
         QRect within(0, 0, width(), height() - 1);
         if (m_hasLamp) {

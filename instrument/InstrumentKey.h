@@ -18,6 +18,10 @@ public:
     void setHasLamp(bool hasLamp);
     void setLit(bool lit);
     bool isLit() const;
+    // Looks as if nothing came of a click. It keeps the focus, which a disabled key would pass on
+    // to a neighbour that does something else.
+    void setDimmed(bool dimmed);
+    bool isDimmed() const { return m_dimmed; }
     QSize sizeHint() const override;
 
 protected:
@@ -28,4 +32,5 @@ private:
     const Face m_face;
     bool m_hasLamp = false;
     bool m_lit = false;
+    bool m_dimmed = false;
 };

@@ -27,12 +27,13 @@ constexpr int ColumnCount = 4;
 constexpr int RowCount = InstrumentKnobCount / ColumnCount;
 constexpr int KnobMiddle = 64;
 constexpr int KnobMaximum = 127;
+constexpr QLatin1String NoAssignId("204143dff");
 constexpr int PlayingNotch = 4;
 constexpr int AssigningNotch = 1;
 
 constexpr QSize WindowSize(476, 436);
 constexpr int StripHeight = 28;
-constexpr QPoint DisplayPosition(10, 38);
+constexpr QPoint DisplayPosition(8, 38);
 constexpr QPoint KeysPosition(350, 54);
 constexpr int KeyColumnStep = 60;
 constexpr int KeyRowStep = 25;
@@ -66,7 +67,7 @@ QString text(const QByteArray &ascii)
 // the plug-in alone.
 QString remoteName(const QString &id)
 {
-    if (id == QLatin1String("204143dff")) {
+    if (id == NoAssignId) {
         return InstrumentWindow::tr("No Assign");
     }
     if (id == QLatin1String("100000401")) {
@@ -278,8 +279,8 @@ void InstrumentWindow::refresh()
 
 void InstrumentWindow::showAll()
 {
-    m_down->setEnabled(m_templateNumber > 0);
-    m_up->setEnabled(m_templateNumber < InstrumentTemplateCount - 1);
+    m_down->setDimmed(m_templateNumber == 0);
+    m_up->setDimmed(m_templateNumber == InstrumentTemplateCount - 1);
     m_remote->setLit(m_current.controlType == 0);
     m_cc->setLit(m_current.controlType == 1);
     m_store->setLit(m_isEdited);
@@ -305,7 +306,8 @@ void InstrumentWindow::showKnob(int index)
     } else {
         const QString id = text(knob.remoteId.trimmed());
         caption.name = remoteName(id);
-        caption.detail = caption.name == id ? QString() : id;
+        const bool saysMore = caption.name != id && id != NoAssignId;
+        caption.detail = saysMore ? id : QString();
     }
     caption.value = assigning ? QString::number(value) : shownValue(knob, value);
 
@@ -381,8 +383,11 @@ void InstrumentWindow::turned(int index, int value)
 void InstrumentWindow::stepTemplate(int by)
 {
     // From what the instrument holds now: the editor may have chosen another since the last frame.
-    const int number = m_instrument.contents().currentTemplate + by;
-    m_instrument.selectTemplate(std::clamp(number, 0, InstrumentTemplateCount - 1));
+    const int now = m_instrument.contents().currentTemplate;
+    const int next = std::clamp(now + by, 0, InstrumentTemplateCount - 1);
+    if (next != now) {
+        m_instrument.selectTemplate(next);
+    }
     refresh();
 }
 

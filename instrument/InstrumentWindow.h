@@ -24,6 +24,8 @@ class VirtualInstrument;
 // do, through the instrument's own edits. A turned knob plays; with ASSIGN on it chooses its
 // control change number instead, which makes the template one of the CC type, as in the editor.
 //
+// The cable's state is read once, here: from then on the switch is the only hand at it.
+//
 // Instrument and cable are not owned and outlive the window, which takes the instrument's change
 // callback and the cable's activity callback for itself. Thread: GUI. The callbacks may come from
 // any thread, as fast as they like: they raise flags that the window looks at once per frame.
