@@ -10,8 +10,6 @@
 #include "instrument/InstrumentSwitch.h"
 #include "instrument/VirtualInstrument.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QEvent>
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QPainter>
 
@@ -44,12 +42,6 @@ constexpr int KnobColumnStep = 107;
 constexpr int KnobRowStep = 90;
 constexpr int KnobWidth = 104;
 constexpr int KnobRingMiddle = 28; // within a knob, from its top
-
-QEvent::Type notificationType()
-{
-    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-    return type;
-}
 
 QString knobPlace(int index)
 {
@@ -145,6 +137,8 @@ InstrumentWindow::InstrumentWindow(VirtualInstrument &instrument, InstrumentCabl
     m_frame.setSingleShot(true);
     m_frame.setInterval(FrameMs);
     connect(&m_frame, &QTimer::timeout, this, &InstrumentWindow::lookAtFlags);
+    connect(this, &InstrumentWindow::flagRaised, &m_frame, qOverload<>(&QTimer::start),
+            Qt::QueuedConnection);
 
     m_instrument.setChangeCallback([this] { notify(m_changed); });
     m_cable.setActivityCallback([this] { notify(m_heard); });
@@ -240,24 +234,15 @@ void InstrumentWindow::makeKnobs()
 void InstrumentWindow::notify(std::atomic<bool> &flag)
 {
     flag.store(true);
-    // One event at a time, however many changes there are.
+    // One signal at a time, however many changes there are.
     if (!m_posted.exchange(true)) {
-        QCoreApplication::postEvent(this, new QEvent(notificationType()));
+        Q_EMIT flagRaised();
     }
-}
-
-bool InstrumentWindow::event(QEvent *event)
-{
-    if (event->type() == notificationType()) {
-        m_frame.start();
-        return true;
-    }
-    return QWidget::event(event);
 }
 
 void InstrumentWindow::lookAtFlags()
 {
-    // First, so that a flag raised from here on makes an event of its own.
+    // First, so that a flag raised from here on makes a signal of its own.
     m_posted.store(false);
     if (m_heard.exchange(false)) {
         m_lamp->blink();

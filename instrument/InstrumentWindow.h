@@ -45,8 +45,11 @@ public:
     // How often the instrument's contents were read to be shown.
     int refreshCount() const { return m_refreshCount; }
 
+Q_SIGNALS:
+    // From any thread: a flag is up, and none was before.
+    void flagRaised();
+
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
