@@ -18,6 +18,8 @@ public:
 
     void blink();
     bool isLit() const { return m_phase == Phase::Lit; }
+    // Dark, and with nothing left to show.
+    bool isIdle() const { return m_phase == Phase::Idle; }
     QSize sizeHint() const override;
 
 Q_SIGNALS:

@@ -60,7 +60,7 @@ QString fitted(Face face, const QString &text, int width, int magnification)
     QString start = text;
     while (!start.isEmpty()) {
         start.chop(1);
-        const QString cut = start.trimmed() + CutMark;
+        QString cut = start.trimmed() + CutMark;
         if (textWidth(face, cut, magnification) <= width) {
             return cut;
         }

@@ -536,6 +536,17 @@ private Q_SLOTS:
         QTRY_VERIFY(!lamp->isLit());
     }
 
+    void whatComesWhileTheLampIsLitLightsItOnceMore()
+    {
+        InstrumentLamp lamp(QStringLiteral("MIDI"));
+        QSignalSpy spy(&lamp, &InstrumentLamp::litChanged);
+        for (int i = 0; i < 3; ++i) {
+            lamp.blink();
+        }
+        QTRY_VERIFY(lamp.isIdle());
+        QCOMPARE(spy.count(), 4);
+    }
+
     void aSteadyStreamBlinks()
     {
         InstrumentLamp lamp(QStringLiteral("MIDI"));
@@ -619,6 +630,10 @@ private Q_SLOTS:
                 cable.setPlugged(false);
                 cable.setPlugged(true);
             }
+            window.reset();
+            // Nothing of these reaches for the window that is gone.
+            const int after = sent;
+            QTRY_VERIFY(sent > after + 5);
         }
         quit = true;
         sender.join();
