@@ -19,6 +19,7 @@
 class QDomDocument;
 class QDomElement;
 class QFile;
+class QXmlStreamReader;
 
 // One parameter as a scan reports it. Names are UTF-8.
 struct SVSTiParameterInfo
@@ -168,6 +169,9 @@ protected:
     QStringList vstXmlPrimaryNames;        // names whose description is the authority
 
 private:
+    // One instrument of the database, which the stream has just begun. False if it does not count;
+    // the stream then stands where it stood.
+    bool createParameterListFromEntry(QXmlStreamReader *stream);
     // The two ways of entering a description.
     void refineParameterList(const QList<Parameter> &described, const QString &vstiName);
     void extendParameterList(const QList<Parameter> &described, const QString &vstiName);
