@@ -73,7 +73,7 @@ public:
     // moduleFolder: where the helper tool lies; presetFolder: the preset file; databaseFolder: the
     // database and the list of what is no instrument, made when it is first written to.
     // Afterwards the presets and the three control groups are known.
-    VSTiInfo(QDir moduleFolder, QDir presetFolder, QDir databaseFolder);
+    VSTiInfo(const QDir &moduleFolder, const QDir &presetFolder, const QDir &databaseFolder);
     ~VSTiInfo() override;
 
     // Makes a DAW current and loads what its section of the database still rightly says. The names
