@@ -142,18 +142,30 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
 
 } // namespace
 
+bool XmlDocument::accept(const QByteArray &text, QString *characters, QString *message, int *line,
+                         const Limits &limits)
+{
+    characters->clear();
+    if (text.size() > limits.bytes) {
+        return refuse(QStringLiteral("The document is too large."), 1, message, line);
+    }
+    QString decoded;
+    if (!decode(text, &decoded)) {
+        return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
+    }
+    if (!check(decoded, limits, message, line)) {
+        return false;
+    }
+    *characters = decoded;
+    return true;
+}
+
 bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
                         const Limits &limits)
 {
     *document = QDomDocument();
-    if (text.size() > limits.bytes) {
-        return refuse(QStringLiteral("The document is too large."), 1, message, line);
-    }
     QString characters;
-    if (!decode(text, &characters)) {
-        return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
-    }
-    if (!check(characters, limits, message, line)) {
+    if (!accept(text, &characters, message, line, limits)) {
         return false;
     }
     if (!document->setContent(characters, true, message, line)) {

@@ -30,6 +30,11 @@ struct Limits
     qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
 };
 
+// The look alone, for who reads the characters in a stream and so needs no tree. False as below,
+// and the characters are then empty.
+bool accept(const QByteArray &text, QString *characters, QString *message, int *line,
+            const Limits &limits = {});
+
 // Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
 // declares entities or attributes; message and line (from 1) then tell what and where, and the
 // document is empty. Neither pointer may be null.

@@ -10,8 +10,22 @@ namespace
 
 constexpr int IndentBlanks = 4;
 
+// False for what is no file or cannot be read. A byte more than the limit tells that it is
+// exceeded.
+bool readBytes(QFile &file, qint64 limit, QByteArray *bytes)
+{
+    // Opening a pipe would wait for its writer.
+    if (!QFileInfo(file.fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    *bytes = file.read(limit + 1);
+    const bool complete = file.error() == QFileDevice::NoError;
+    file.close();
+    return complete;
+}
+
 // As an attribute's value or a text in UTF-8: the longest references have six characters.
-qint64 writtenBytes(const QString &text)
+qint64 writtenBytes(QStringView text)
 {
     qint64 bytes = 0;
     for (const QChar character : text) {
@@ -29,20 +43,43 @@ bool PluginXml::parseData(const QByteArray &text, QDomDocument *document)
 {
     QString message;
     int line = 0;
-    return XmlDocument::parse(text, document, &message, &line, Limits);
+    return XmlDocument::parse(text, document, &message, &line, TreeLimits);
 }
 
 bool PluginXml::parseFile(QFile &file, QDomDocument *document)
 {
     *document = QDomDocument();
-    // Opening a pipe would wait for its writer.
-    if (!QFileInfo(file.fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray text = file.read(Limits.bytes + 1);
-    const bool complete = file.error() == QFileDevice::NoError;
-    file.close();
-    return complete && parseData(text, document);
+    QByteArray text;
+    return readBytes(file, TreeLimits.bytes, &text) && parseData(text, document);
+}
+
+bool PluginXml::readDatabase(QFile &file, QString *characters)
+{
+    QByteArray text;
+    QString message;
+    int line = 0;
+    return readBytes(file, DatabaseLimits.bytes, &text) &&
+           XmlDocument::accept(text, characters, &message, &line, DatabaseLimits);
+}
+
+void PluginXml::Size::addElement(QStringView tag, int indent)
+{
+    ++elements;
+    // Tag and end tag stand on lines of their own, each with brackets, a slash and a line end.
+    bytes += 2 * (IndentBlanks * indent + writtenBytes(tag) + 4);
+}
+
+void PluginXml::Size::addAttribute(QStringView name, QStringView value)
+{
+    ++attributes;
+    // A blank, an equals sign and two quotes.
+    bytes += writtenBytes(name) + writtenBytes(value) + 4;
+}
+
+void PluginXml::Size::addText(QStringView text, int indent)
+{
+    // A comment has seven characters around its text, a section twelve.
+    bytes += IndentBlanks * indent + writtenBytes(text) + 16;
 }
 
 PluginXml::Size &PluginXml::Size::operator+=(const Size &other)
@@ -55,28 +92,6 @@ PluginXml::Size &PluginXml::Size::operator+=(const Size &other)
 
 bool PluginXml::Size::fits() const
 {
-    return bytes <= Limits.bytes && elements <= Limits.elements && attributes <= Limits.attributes;
-}
-
-PluginXml::Size PluginXml::sizeOf(const QDomNode &node, int indent)
-{
-    Size size;
-    // Tag and end tag stand on lines of their own, each with brackets, a slash and a line end.
-    size.bytes = 2 * (IndentBlanks * indent + writtenBytes(node.nodeName()) + 4) +
-                 writtenBytes(node.nodeValue());
-    if (node.isElement()) {
-        size.elements = 1;
-        const QDomNamedNodeMap attributes = node.attributes();
-        size.attributes = attributes.count();
-        for (int i = 0; i < attributes.count(); ++i) {
-            const QDomNode attribute = attributes.item(i);
-            // A blank, an equals sign and two quotes.
-            size.bytes +=
-                writtenBytes(attribute.nodeName()) + writtenBytes(attribute.nodeValue()) + 4;
-        }
-    }
-    for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling()) {
-        size += sizeOf(child, indent + 1);
-    }
-    return size;
+    return bytes <= DatabaseLimits.bytes && elements <= DatabaseLimits.elements &&
+           attributes <= DatabaseLimits.attributes;
 }

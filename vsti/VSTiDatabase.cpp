@@ -5,21 +5,25 @@
 //   VSTiDatabase.xml  dawlist
 //                       daw name                            one section per DAW ever scanned
 //                         vsti name path time size version  one instrument
-//                           group name                      nests
-//                             parameter id name             the id: a type digit, ten digits
+//                           group, parameter                InstrumentTree.h tells of these
 //   VSTiPreset.xml    vstilist
 //                       vsti name
-//                         group, parameter                  as above
+//                         group, parameter
+//
+// The database is read and written in a stream: a tree of it would take a gigabyte on a machine
+// with many plug-ins.
 #include "vsti/VSTiInfo.h"
 
 #include "app/Constants.h"
-#include "file/EditorData.h"
+#include "vsti/InstrumentTree.h"
 #include "vsti/PluginXml.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QDateTime>
 #include <QtCore/QDirIterator>
 #include <QtCore/QSaveFile>
-#include <QtCore/QTextStream>
+#include <QtCore/QXmlStreamReader>
+#include <QtCore/QXmlStreamWriter>
 #include <QtXml/QDomDocument>
 
 #include <algorithm>
@@ -27,160 +31,166 @@
 namespace
 {
 
-constexpr int Indent = 4;
-// Above an instrument's groups: the list, the DAW and the instrument itself.
+constexpr int IndentBlanks = 4;
+constexpr int SectionIndent = 1;
 constexpr int InstrumentIndent = 2;
-static_assert(VSTiInfo::MaximumGroups + InstrumentIndent + 2 == PluginXml::Limits.depth,
+constexpr int ParameterIndent = 3;
+static_assert(ParameterIndent + VSTiInfo::MaximumGroups + 1 == PluginXml::MaximumDepth,
               "a parameter below as many groups as there may be can be read again");
-
-bool isDocument(const QDomDocument &document, const QString &docType, const QString &rootTag)
-{
-    return document.doctype().name() == docType && document.documentElement().tagName() == rootTag;
-}
 
 QString timeOf(const QFileInfo &fileInfo)
 {
     return fileInfo.lastModified().toString(Qt::ISODate);
 }
 
-QDomElement sectionOf(const QDomElement &root, const QString &daw)
+// --- The database as it stands -------------------------------------------------------------------
+
+// Goes to the root. False if the text is no database.
+bool enterDatabase(QXmlStreamReader *stream)
 {
-    const QString written = XmlDocument::writable(daw);
-    QDomElement section = root.firstChildElement(TagDAW);
-    while (!section.isNull() && section.attribute(AttributeDAWName) != written) {
-        section = section.nextSiblingElement(TagDAW);
+    bool isDatabase = false;
+    while (!stream->atEnd() && stream->readNext() != QXmlStreamReader::StartElement) {
+        if (stream->isDTD()) {
+            isDatabase = stream->dtdName() == DatabaseDocType;
+        }
     }
-    return section;
+    return isDatabase && stream->qualifiedName() == TagDAWList;
 }
 
-// Reads the tree of one instrument.
-class TreeReader
+bool isSectionOf(const QXmlStreamReader &stream, const QString &daw)
+{
+    return stream.isStartElement() && stream.qualifiedName() == TagDAW &&
+           stream.attributes().value(AttributeDAWName) == XmlDocument::writable(daw);
+}
+
+// Walks through the whole text but the first section of a DAW, which is told by a call of its own.
+class KeptTokens
 {
 public:
-    TreeReader(QList<VSTiInfo::Parameter> *list, QHash<QString, QStringList> *map,
-               qint64 *namesLeft)
-        : m_list(list)
-        , m_map(map)
-        , m_namesLeft(namesLeft)
+    KeptTokens(const QString &text, const QString &daw)
+        : m_text(text)
+        , m_daw(daw)
     {
+        QXmlStreamReader stream(text);
+        m_isDatabase = !text.isEmpty() && enterDatabase(&stream);
     }
 
-    void read(const QDomElement &element, const QStringList &prefix)
+    bool isEmpty() const { return m_text.isEmpty(); }
+    // False: to be kept as it stands, a list of sections is no part of it.
+    bool isDatabase() const { return m_isDatabase; }
+
+    // token(stream, depth) for each token to keep, the depth being that of the root at the root's
+    // own tags. section() once, if the text is a database: where the old section stands, or at the
+    // end of the list.
+    template <typename Token, typename Section>
+    void walk(Token token, Section section) const
     {
-        for (QDomElement child = element.firstChildElement(); !child.isNull();
-             child = child.nextSiblingElement()) {
-            const QString tag = child.tagName();
-            if (tag == TagParameter) {
-                readParameter(child, prefix);
-            } else if (tag == TagParameterGroup &&
-                       child.hasAttribute(AttributeParameterGroupName)) {
-                read(child, prefix + QStringList(child.attribute(AttributeParameterGroupName)));
+        QXmlStreamReader stream(m_text);
+        bool isSectionTold = !m_isDatabase;
+        int depth = 0;
+        while (!stream.atEnd()) {
+            stream.readNext();
+            if (stream.hasError()) {
+                return;
+            }
+            if (stream.isStartElement()) {
+                if (!isSectionTold && depth == SectionIndent && isSectionOf(stream, m_daw)) {
+                    section();
+                    isSectionTold = true;
+                    stream.skipCurrentElement();
+                    continue;
+                }
+                token(stream, depth);
+                ++depth;
+            } else if (stream.isEndElement()) {
+                --depth;
+                if (depth == 0 && !isSectionTold) {
+                    section();
+                    isSectionTold = true;
+                }
+                token(stream, depth);
+            } else if (!stream.isStartDocument() && !stream.isEndDocument() &&
+                       !stream.isWhitespace()) {
+                token(stream, depth);
             }
         }
     }
 
 private:
-    void readParameter(const QDomElement &element, const QStringList &prefix)
-    {
-        const QString written = element.attribute(AttributeParameterID);
-        if (written.isEmpty() || !element.hasAttribute(AttributeParameterName)) {
-            return;
-        }
-        const QString id = EditorData::translateVdremoteparam2Tremoteparam(written);
-        if (m_map->contains(id)) {
-            return;
-        }
-        *m_namesLeft -= prefix.size() + 1;
-        if (*m_namesLeft < 0) {
-            *m_namesLeft = -1;
-            return;
-        }
-        const QStringList path = prefix + QStringList(element.attribute(AttributeParameterName));
-        m_list->append({id, path});
-        m_map->insert(id, path);
-    }
-
-    QList<VSTiInfo::Parameter> *m_list;
-    QHash<QString, QStringList> *m_map;
-    qint64 *m_namesLeft;
+    QString m_text;
+    QString m_daw;
+    bool m_isDatabase = false;
 };
 
-// Writes the tree of one instrument: a path's groups are made once, by whoever comes first.
-class TreeWriter
+PluginXml::Size sizeOf(const KeptTokens &kept)
 {
-public:
-    TreeWriter(QDomDocument *document, const QDomElement &instrument)
-        : m_document(document)
-        , m_groups{instrument}
-    {
-    }
+    PluginXml::Size size;
+    kept.walk(
+        [&size](const QXmlStreamReader &stream, int depth) {
+            if (stream.isStartElement()) {
+                size.addElement(stream.qualifiedName(), depth);
+                for (const QXmlStreamAttribute &attribute : stream.attributes()) {
+                    size.addAttribute(attribute.qualifiedName(), attribute.value());
+                }
+            } else if (!stream.isEndElement()) {
+                size.addText(stream.text(), depth);
+            }
+        },
+        [] {});
+    return size;
+}
 
-    void append(const VSTiInfo::Parameter &parameter)
-    {
-        const qsizetype groups =
-            std::min<qsizetype>(parameter.path.size() - 1, VSTiInfo::MaximumGroups);
-        qsizetype at = 0;
-        for (qsizetype i = 0; i < groups; ++i) {
-            at = groupBelow(at, XmlDocument::writable(parameter.path.at(i)));
-        }
-        QDomElement element = m_document->createElement(TagParameter);
-        element.setAttribute(
-            AttributeParameterID,
-            XmlDocument::writable(EditorData::translateTremoteparam2Vdremoteparam(parameter.id)));
-        element.setAttribute(AttributeParameterName,
-                             XmlDocument::writable(parameter.path.constLast()));
-        m_groups[at].appendChild(element);
-    }
+// --- A new section -------------------------------------------------------------------------------
 
-private:
-    qsizetype groupBelow(qsizetype parent, const QString &name)
-    {
-        const auto key = qMakePair(parent, name);
-        const auto found = m_indices.constFind(key);
-        if (found != m_indices.cend()) {
-            return *found;
-        }
-        QDomElement group = m_document->createElement(TagParameterGroup);
-        group.setAttribute(AttributeParameterGroupName, name);
-        m_groups[parent].appendChild(group);
-        m_groups.append(group);
-        m_indices.insert(key, m_groups.size() - 1);
-        return m_groups.size() - 1;
-    }
+void writeInstrument(QXmlStreamWriter *stream, const QXmlStreamAttributes &attributes,
+                     const InstrumentTreeWriter &tree)
+{
+    stream->writeStartElement(TagVSTi);
+    stream->writeAttributes(attributes);
+    tree.write(stream);
+    stream->writeEndElement();
+}
 
-    QDomDocument *m_document;
-    QList<QDomElement> m_groups; // the first is the instrument
-    QHash<QPair<qsizetype, QString>, qsizetype> m_indices;
-};
-
-QDomElement instrumentElement(QDomDocument *document, const QString &name,
-                              const VSTiInfo::VSTiFileInfo &info,
-                              const QList<VSTiInfo::Parameter> &parameters)
+QXmlStreamAttributes attributesOf(const QString &name, const VSTiInfo::VSTiFileInfo &info)
 {
     // The control groups have no file, and QFileInfo none to be asked about.
     const QString path =
         info.fileInfo.filePath().isEmpty() ? QString() : info.fileInfo.absoluteFilePath();
     // Not the one that is kept, which remembers what it once saw.
     const QFileInfo now(path);
-    QDomElement element = document->createElement(TagVSTi);
-    element.setAttribute(AttributeVSTiName, XmlDocument::writable(name));
-    element.setAttribute(AttributeVSTiPath, XmlDocument::writable(path));
-    element.setAttribute(AttributeVSTiTime, timeOf(now));
-    element.setAttribute(AttributeVSTiSize, QString::number(getVSTiFileSize(now)));
-    element.setAttribute(AttributeVSTiVersion, QString::number(info.version));
-    TreeWriter writer(document, element);
-    for (const VSTiInfo::Parameter &parameter : parameters) {
-        writer.append(parameter);
-    }
-    return element;
+    QXmlStreamAttributes attributes;
+    attributes.append(AttributeVSTiName, XmlDocument::writable(name));
+    attributes.append(AttributeVSTiPath, XmlDocument::writable(path));
+    attributes.append(AttributeVSTiTime, timeOf(now));
+    attributes.append(AttributeVSTiSize, QString::number(getVSTiFileSize(now)));
+    attributes.append(AttributeVSTiVersion, QString::number(info.version));
+    return attributes;
 }
 
-bool replaceFile(const QString &path, const QDomDocument &document)
+PluginXml::Size sizeOfInstrument(const QXmlStreamAttributes &attributes,
+                                 const InstrumentTreeWriter &tree)
 {
-    QByteArray text;
-    QTextStream stream(&text);
-    document.save(stream, Indent);
-    stream.flush();
+    PluginXml::Size size = tree.size();
+    size.addElement(TagVSTi, InstrumentIndent);
+    for (const QXmlStreamAttribute &attribute : attributes) {
+        size.addAttribute(attribute.qualifiedName(), attribute.value());
+    }
+    return size;
+}
+
+// So that one with an endless list takes no other's room.
+QStringList smallestFirst(QStringList names,
+                          const QHash<QString, QList<VSTiInfo::Parameter>> &parameterLists)
+{
+    names.sort();
+    std::stable_sort(names.begin(), names.end(), [&](const QString &a, const QString &b) {
+        return parameterLists.value(a).size() < parameterLists.value(b).size();
+    });
+    return names;
+}
+
+bool replaceFile(const QString &path, const QByteArray &text)
+{
     // Nobody makes the folder before something is to be written there.
     QDir().mkpath(QFileInfo(path).absolutePath());
     QSaveFile target(path);
@@ -190,11 +200,13 @@ bool replaceFile(const QString &path, const QDomDocument &document)
 
 } // namespace
 
+// --- Presets -------------------------------------------------------------------------------------
+
 void VSTiInfo::createParameterListFromPreset(QFile &file)
 {
     QDomDocument document;
-    if (!PluginXml::parseFile(file, &document) ||
-        !isDocument(document, PresetDocType, TagVSTiList)) {
+    if (!PluginXml::parseFile(file, &document) || document.doctype().name() != PresetDocType ||
+        document.documentElement().tagName() != TagVSTiList) {
         return;
     }
     m_namesLeft = PluginXml::MaximumNames;
@@ -209,99 +221,137 @@ void VSTiInfo::createParameterListFromPreset(QFile &file)
     }
 }
 
-void VSTiInfo::createParameterListFromDatabase(QFile &file)
-{
-    QDomDocument document;
-    if (!PluginXml::parseFile(file, &document) ||
-        !isDocument(document, DatabaseDocType, TagDAWList)) {
-        return;
-    }
-    const QDomElement section = sectionOf(document.documentElement(), currentDAW);
-    m_namesLeft = PluginXml::MaximumNames;
-    for (QDomElement vsti = section.firstChildElement(TagVSTi); !vsti.isNull();
-         vsti = vsti.nextSiblingElement(TagVSTi)) {
-        const QString name = vsti.attribute(AttributeVSTiName);
-        const QString path = vsti.attribute(AttributeVSTiPath);
-        const QString time = vsti.attribute(AttributeVSTiTime);
-        const QString size = vsti.attribute(AttributeVSTiSize);
-        const int version = vsti.attribute(AttributeVSTiVersion).toInt();
-        if (name.isEmpty() || path.isEmpty() || time.isEmpty() || size.isEmpty() ||
-            parameterMaps.contains(name)) {
-            continue;
-        }
-        // The size comes last: it is a walk through the whole bundle.
-        const QFileInfo fileInfo(path);
-        const bool isUpToDate = (version == 2 || version == 3) && fileInfo.exists() &&
-                                timeOf(fileInfo) == time &&
-                                getVSTiFileSize(fileInfo) == size.toLongLong();
-        if (!isUpToDate) {
-            continue;
-        }
-        QList<Parameter> list;
-        appendParameterTree(&list, name, vsti, {});
-        if (m_namesLeft < 0) {
-            // Half a list would pass for the whole one. The next scan asks the plug-in again.
-            parameterMaps.remove(name);
-            return;
-        }
-        parameterLists.insert(name, list);
-        fileInfos.insert(name, {fileInfo, version});
-    }
-}
-
-bool VSTiInfo::writeParameterListDatabase(QFile &file) const
-{
-    QDomDocument document;
-    QDomElement root;
-    QDomElement oldSection;
-    if (!PluginXml::parseFile(file, &document)) {
-        document = QDomDocument(DatabaseDocType);
-    } else if (isDocument(document, DatabaseDocType, TagDAWList)) {
-        root = document.documentElement();
-        oldSection = sectionOf(root, currentDAW);
-    }
-    if (root.isNull()) {
-        root = document.createElement(TagDAWList);
-        document.appendChild(root);
-    }
-    QDomElement section = document.createElement(TagDAW);
-    section.setAttribute(AttributeDAWName, XmlDocument::writable(currentDAW));
-    if (oldSection.isNull()) {
-        root.appendChild(section);
-    } else {
-        root.replaceChild(section, oldSection);
-    }
-
-    // An instrument that would make the file one that is refused when it is read again is left out:
-    // the next scan asks it anew, and the others keep their places.
-    PluginXml::Size size = PluginXml::sizeOf(document, 0);
-    for (auto entry = fileInfos.cbegin(); entry != fileInfos.cend(); ++entry) {
-        const QList<Parameter> parameters = parameterLists.value(entry.key());
-        if (size.elements + parameters.size() >= PluginXml::Limits.elements) {
-            continue;
-        }
-        const QDomElement element =
-            instrumentElement(&document, entry.key(), entry.value(), parameters);
-        PluginXml::Size sizeWithIt = size;
-        sizeWithIt += PluginXml::sizeOf(element, InstrumentIndent);
-        if (sizeWithIt.fits()) {
-            section.appendChild(element);
-            size = sizeWithIt;
-        }
-    }
-    return replaceFile(file.fileName(), document);
-}
-
 void VSTiInfo::appendParameterTree(QList<Parameter> *list, const QString &vstiName,
                                    const QDomElement &element, const QStringList &prefix)
 {
     QHash<QString, QStringList> map = parameterMaps.take(vstiName);
-    TreeReader(list, &map, &m_namesLeft).read(element, prefix);
+    InstrumentTreeReader(list, &map, &m_namesLeft).read(element, prefix);
     // A name without parameters stays unknown here, so that another list can still come for it.
     if (!map.isEmpty()) {
         parameterMaps.insert(vstiName, map);
     }
 }
+
+// --- Database ------------------------------------------------------------------------------------
+
+void VSTiInfo::createParameterListFromDatabase(QFile &file)
+{
+    QString text;
+    if (!PluginXml::readDatabase(file, &text)) {
+        return;
+    }
+    QXmlStreamReader stream(text);
+    if (!enterDatabase(&stream)) {
+        return;
+    }
+    while (stream.readNextStartElement() && !isSectionOf(stream, currentDAW)) {
+        stream.skipCurrentElement();
+    }
+    if (!stream.isStartElement()) {
+        return;
+    }
+    m_namesLeft = PluginXml::MaximumNames;
+    while (m_namesLeft >= 0 && stream.readNextStartElement()) {
+        if (stream.qualifiedName() != TagVSTi || !createParameterListFromEntry(&stream)) {
+            stream.skipCurrentElement();
+        }
+    }
+}
+
+bool VSTiInfo::createParameterListFromEntry(QXmlStreamReader *stream)
+{
+    const QXmlStreamAttributes attributes = stream->attributes();
+    const QString name = attributes.value(AttributeVSTiName).toString();
+    const QString path = attributes.value(AttributeVSTiPath).toString();
+    const QString time = attributes.value(AttributeVSTiTime).toString();
+    const QString size = attributes.value(AttributeVSTiSize).toString();
+    const int version = attributes.value(AttributeVSTiVersion).toInt();
+    if (name.isEmpty() || path.isEmpty() || time.isEmpty() || size.isEmpty() ||
+        parameterMaps.contains(name)) {
+        return false;
+    }
+    // The size comes last: it is a walk through the whole bundle.
+    const QFileInfo fileInfo(path);
+    const bool isUpToDate = (version == 2 || version == 3) && fileInfo.exists() &&
+                            timeOf(fileInfo) == time &&
+                            getVSTiFileSize(fileInfo) == size.toLongLong();
+    if (!isUpToDate) {
+        return false;
+    }
+    QList<Parameter> list;
+    QHash<QString, QStringList> map;
+    InstrumentTreeReader(&list, &map, &m_namesLeft).read(stream, {});
+    // Half a list would pass for the whole one; without any the next scan asks the plug-in again.
+    if (m_namesLeft >= 0) {
+        if (!map.isEmpty()) {
+            parameterMaps.insert(name, map);
+        }
+        parameterLists.insert(name, list);
+        fileInfos.insert(name, {fileInfo, version});
+    }
+    return true;
+}
+
+bool VSTiInfo::writeParameterListDatabase(QFile &file) const
+{
+    // What cannot be read is no text, and lost.
+    QString text;
+    PluginXml::readDatabase(file, &text);
+    KeptTokens kept(text, currentDAW);
+    PluginXml::Size size = sizeOf(kept);
+    if (!size.fits()) {
+        // Nothing that was written here grows when it is written again.
+        kept = KeptTokens(QString(), currentDAW);
+        size = {};
+    }
+    size.addElement(TagDAWList, 0);
+    size.addElement(TagDAW, SectionIndent);
+    size.addAttribute(AttributeDAWName, XmlDocument::writable(currentDAW));
+
+    QBuffer written;
+    written.open(QIODevice::WriteOnly);
+    QXmlStreamWriter stream(&written);
+    stream.setAutoFormatting(true);
+    stream.setAutoFormattingIndent(IndentBlanks);
+    const auto writeSection = [&] {
+        stream.writeStartElement(TagDAW);
+        stream.writeAttribute(AttributeDAWName, XmlDocument::writable(currentDAW));
+        for (const QString &name : smallestFirst(fileInfos.keys(), parameterLists)) {
+            const InstrumentTreeWriter tree(parameterLists.value(name), ParameterIndent);
+            const QXmlStreamAttributes attributes = attributesOf(name, fileInfos.value(name));
+            PluginXml::Size sizeWithIt = size;
+            sizeWithIt += sizeOfInstrument(attributes, tree);
+            // An instrument that would make the file one that is refused when it is read again is
+            // left out: the next scan asks it anew, and the others keep their places.
+            if (sizeWithIt.fits()) {
+                size = sizeWithIt;
+                writeInstrument(&stream, attributes, tree);
+            }
+        }
+        stream.writeEndElement();
+    };
+    const auto writeToken = [&](const QXmlStreamReader &token, int) {
+        if (token.isDTD()) {
+            // The writer would begin the file with an empty line.
+            written.write(token.text().toUtf8());
+        } else {
+            stream.writeCurrentToken(token);
+        }
+    };
+    if (kept.isEmpty()) {
+        written.write("<!DOCTYPE " + DatabaseDocType.toUtf8() + '>');
+    }
+    kept.walk(writeToken, writeSection);
+    if (!kept.isDatabase()) {
+        stream.writeStartElement(TagDAWList);
+        writeSection();
+        stream.writeEndElement();
+    }
+    stream.writeEndDocument();
+    return replaceFile(file.fileName(), written.data());
+}
+
+// --- Sizes ---------------------------------------------------------------------------------------
 
 qint64 getVSTiFileSize(const QFileInfo &fileInfo)
 {

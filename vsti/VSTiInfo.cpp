@@ -46,10 +46,10 @@ private:
 
 } // namespace
 
-VSTiInfo::VSTiInfo(QDir modules, QDir presets, QDir database)
-    : moduleFolder(std::move(modules))
-    , presetFolder(std::move(presets))
-    , databaseFolder(std::move(database))
+VSTiInfo::VSTiInfo(const QDir &modules, const QDir &presets, const QDir &database)
+    : moduleFolder(modules)
+    , presetFolder(presets)
+    , databaseFolder(database)
     , scanResults(std::make_unique<QList<SVSTiInfo>>())
 {
     searchDAW();

@@ -19,6 +19,7 @@
 class QDomDocument;
 class QDomElement;
 class QFile;
+class QXmlStreamReader;
 
 // One parameter as a scan reports it. Names are UTF-8.
 struct SVSTiParameterInfo
@@ -72,7 +73,7 @@ public:
     // moduleFolder: where the helper tool lies; presetFolder: the preset file; databaseFolder: the
     // database and the list of what is no instrument, made when it is first written to.
     // Afterwards the presets and the three control groups are known.
-    VSTiInfo(QDir moduleFolder, QDir presetFolder, QDir databaseFolder);
+    VSTiInfo(const QDir &moduleFolder, const QDir &presetFolder, const QDir &databaseFolder);
     ~VSTiInfo() override;
 
     // Makes a DAW current and loads what its section of the database still rightly says. The names
@@ -168,6 +169,9 @@ protected:
     QStringList vstXmlPrimaryNames;        // names whose description is the authority
 
 private:
+    // One instrument of the database, which the stream has just begun. False if it does not count;
+    // the stream then stands where it stood.
+    bool createParameterListFromEntry(QXmlStreamReader *stream);
     // The two ways of entering a description.
     void refineParameterList(const QList<Parameter> &described, const QString &vstiName);
     void extendParameterList(const QList<Parameter> &described, const QString &vstiName);

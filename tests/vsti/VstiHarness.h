@@ -123,7 +123,7 @@ public:
     // A plug-in's file, of a size of its own.
     QString plugin(const char *name, int size = 10) const
     {
-        const QString file = path("plugins/") + latin(name);
+        QString file = path("plugins/") + latin(name);
         writeBytes(file, QByteArray(size, 'p'));
         return file;
     }

@@ -447,7 +447,7 @@ void TestParameterDescription::templatesInACircleEnd_data()
     QTest::newRow("in itself") << start + "<Template name=\"t\">" + param("n", "0") +
                                       "<Group name=\"A\" template=\"t\"/></Template>";
     QTest::newRow("in itself twice")
-        << start + "<Template name=\"t\">" + param("n", "0") +
+        << start + "<Template name=\"t\">" + param("n", "k") +
                "<Group name=\"A\" template=\"t\" values=\"k=k+1\"/>"
                "<Group name=\"B\" template=\"t\" values=\"k=k+2\"/></Template>";
     QTest::newRow("in one another") << start + "<Template name=\"t\">" + param("n", "0") +

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Constants.h"
-#include "file/EditorData.h"
-#include "vsti/PluginXml.h"
+#include "vsti/InstrumentTree.h"
 #include "vsti/VstiHarness.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QXmlStreamReader>
+#include <QtCore/QXmlStreamWriter>
 #include <QtTest/QtTest>
-#include <QtXml/QDomDocument>
 
 #include <csignal>
 #include <memory>
@@ -741,7 +740,8 @@ void TestVSTiDatabase::aPluginTooLargeForTheFileCostsNoOtherItsPlace_data()
     QTest::addColumn<int>("parameters");
     QTest::addColumn<int>("nameLength");
     QTest::newRow("a million parameters") << 1000000 << 1;
-    QTest::newRow("a million elements with the instrument's own and those above") << 999997 << 1;
+    // The list, the section, and each of the others with its one parameter take eight.
+    QTest::newRow("one element more than there is room for") << 1000000 - 8 << 1;
     QTest::newRow("3000 names of 64 KB") << 3000 << 65536;
 }
 
@@ -772,22 +772,22 @@ void TestVSTiDatabase::aPluginTooLargeForTheFileCostsNoOtherItsPlace()
 
 void TestVSTiDatabase::theSizeToldIsNeverLessThanTheSizeWritten()
 {
-    QDomDocument document(DatabaseDocType);
-    QDomElement root = document.createElement(latin("root"));
-    document.appendChild(root);
-    QDomElement inner = document.createElement(latin("inner"));
-    inner.setAttribute(latin("a"), QString::fromUtf8("<>&\"'\t\r\n ü音🎹"));
-    inner.setAttribute(latin("b"), QString(1000, QLatin1Char('"')));
-    root.appendChild(inner);
-    inner.appendChild(document.createElement(latin("empty")));
-    QDomElement filled = document.createElement(latin("filled"));
-    filled.appendChild(document.createTextNode(QString(1000, QLatin1Char('<'))));
-    root.appendChild(filled);
-    const PluginXml::Size size = PluginXml::sizeOf(document, 0);
-    QVERIFY(size.bytes >= document.toByteArray(4).size());
-    QVERIFY(size.bytes < 2 * document.toByteArray(4).size());
-    QCOMPARE(size.elements, 4);
-    QCOMPARE(size.attributes, 2);
+    const QString name = QString::fromUtf8("<>&\"'\t\r\n ü音🎹") + QString(1000, QLatin1Char('"'));
+    QList<VSTiInfo::Parameter> list;
+    for (int i = 0; i < 100; ++i) {
+        list.append({idOf(i), {latin("group"), name, name}});
+        list.append(
+            {idOf(100 + i), QStringList(VSTiInfo::MaximumGroups, latin("g")) + QStringList(name)});
+    }
+    const InstrumentTreeWriter tree(list, 0);
+    QByteArray written;
+    QXmlStreamWriter stream(&written);
+    stream.setAutoFormatting(true);
+    tree.write(&stream);
+    QVERIFY(tree.size().bytes >= written.size());
+    QVERIFY(tree.size().bytes < 2 * written.size());
+    QCOMPARE(tree.size().elements, 200 + 2 + VSTiInfo::MaximumGroups);
+    QCOMPARE(tree.size().attributes, 400 + 2 + VSTiInfo::MaximumGroups);
 }
 
 void TestVSTiDatabase::twoHundredThousandParametersComeBack()
