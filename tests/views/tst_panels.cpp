@@ -12,6 +12,7 @@
 
 #include <QtCore/QTemporaryDir>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QSlider>
 
 // The nine small panels and what they share, in the real window, with real mouse and keys.
 
@@ -786,8 +787,6 @@ void TestPanels::aDraggedSliderIsLetGo()
     slider.setGeometry(100, 200, 200, 30);
     slider.setRange(0, 100);
     slider.show();
-    QStyleOptionSlider option;
-    option.initFrom(&slider);
     QTest::mousePress(m_rig->window->windowHandle(), Qt::LeftButton, {},
                       slider.mapTo(m_rig->window.get(), QPoint(4, 15)));
     QVERIFY(slider.isSliderDown());
