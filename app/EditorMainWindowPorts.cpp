@@ -30,6 +30,9 @@ void EditorMainWindow::openRoute()
     if (!midiRouteOpen) {
         portName = portNameList.value(portIndex);
         portOpenError(portName);
+    } else {
+        // An earlier failure that nobody has been told of yet is mended.
+        portOpenErrorPending = false;
     }
 }
 
@@ -42,10 +45,11 @@ void EditorMainWindow::setPortIndex(int index)
     } else if (index > 0) {
         const PortInfo info = portInfoList.value(index - 1);
         // A port that is shared with the route in use is no change; so a route is built anew only
-        // if all three differ.
-        const bool isSame = portIndex > 0 && (info.activeSensePort == activeSensePort ||
-                                              info.communicationInPort == communicationInPort ||
-                                              info.communicationOutPort == communicationOutPort);
+        // if all three differ. One that could not be opened is no route, and is tried again.
+        const bool isSame = midiRouteOpen && portIndex > 0 &&
+                            (info.activeSensePort == activeSensePort ||
+                             info.communicationInPort == communicationInPort ||
+                             info.communicationOutPort == communicationOutPort);
         if (!isSame) {
             portIndex = index;
             openRoute();
