@@ -105,6 +105,7 @@ private Q_SLOTS:
     void theCurrentTemplateNumberSurvives();
     void aLateCompletionDoesNothing();
     void anErrorIgnoresAReturningDevice();
+    void aDeviceThatReturnsWhileThePanelCloses();
     void closingReadyOrErrorStaysOffline_data();
     void closingReadyOrErrorStaysOffline();
     void aWaitingFileKeepsTheEditFlagDown();
@@ -585,6 +586,20 @@ void TestAutoSync::anErrorIgnoresAReturningDevice()
     QCOMPARE(m_loopback->instrument.counters().bulkRequests, requests);
     timings().receiveRunTimeoutMs = LongRunMs;
     QVERIFY(finish());
+}
+
+// Between the close and the deletion: the next panel follows the one that is going.
+void TestAutoSync::aDeviceThatReturnsWhileThePanelCloses()
+{
+    QVERIFY(openPanel(false, true));
+    const QPointer<AutoSync> first(panel());
+    QVERIFY(panel()->close());
+    m_rig->window->activePort();
+    QVERIFY(first != nullptr);
+    QTRY_VERIFY(first == nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QTRY_VERIFY(panel() == nullptr);
+    checkIdle(false);
 }
 
 void TestAutoSync::closingReadyOrErrorStaysOffline_data()
