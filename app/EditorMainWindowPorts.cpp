@@ -3,6 +3,7 @@
 
 #include "app/Constants.h"
 #include "app/EditorMainWindow.h"
+#include "app/EditorMainWindow_p.h"
 #include "memory/CSimpleNotifier.h"
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
@@ -30,6 +31,9 @@ void EditorMainWindow::openRoute()
     if (!midiRouteOpen) {
         portName = portNameList.value(portIndex);
         portOpenError(portName);
+    } else {
+        // An earlier failure that nobody has been told of yet is mended.
+        portOpenErrorPending = false;
     }
 }
 
@@ -42,10 +46,11 @@ void EditorMainWindow::setPortIndex(int index)
     } else if (index > 0) {
         const PortInfo info = portInfoList.value(index - 1);
         // A port that is shared with the route in use is no change; so a route is built anew only
-        // if all three differ.
-        const bool isSame = portIndex > 0 && (info.activeSensePort == activeSensePort ||
-                                              info.communicationInPort == communicationInPort ||
-                                              info.communicationOutPort == communicationOutPort);
+        // if all three differ. One that could not be opened is no route, and is tried again.
+        const bool isSame = midiRouteOpen && portIndex > 0 &&
+                            (info.activeSensePort == activeSensePort ||
+                             info.communicationInPort == communicationInPort ||
+                             info.communicationOutPort == communicationOutPort);
         if (!isSame) {
             portIndex = index;
             openRoute();
@@ -62,11 +67,11 @@ void EditorMainWindow::activePort()
 {
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
-    if (!autoSyncPanel) {
+    if (!isStanding(autoSyncPanel)) {
         const bool hasDocument = !fileNameNotifier->getMemAPIString().isEmpty() ||
                                  fileEditFlagNotifier->getMemAPICurrentValue() == 1;
         autoSync(hasDocument, !hasDocument);
-        if (!autoSyncPanel) {
+        if (!isStanding(autoSyncPanel)) {
             activePortPending = true;
             return;
         }

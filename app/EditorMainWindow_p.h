@@ -32,10 +32,18 @@ auto EditorMainWindow::aboveAll(Show show)
     return result;
 }
 
+// A panel that is closed and not yet deleted counts as gone: it waits for its deletion, which
+// unlocks the window and may ask for the next of its kind.
+template <typename PanelType>
+bool isStanding(const QPointer<PanelType> &guard)
+{
+    return guard != nullptr && !guard->isClosed();
+}
+
 template <typename PanelType, typename... Arguments>
 void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...arguments)
 {
-    if (guard->isNull()) {
+    if (!isStanding(*guard)) {
         *guard = new PanelType(this, std::forward<Arguments>(arguments)...);
     }
     placePanel(guard->data());
@@ -44,7 +52,7 @@ void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...argu
 template <typename PanelType>
 void EditorMainWindow::showModalPanel(QPointer<PanelType> *guard)
 {
-    if (guard->isNull()) {
+    if (!isStanding(*guard)) {
         *guard = new PanelType(this);
         connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);
     }

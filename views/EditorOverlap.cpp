@@ -108,10 +108,12 @@ void EditorOverlap::emulateButtonPressing(COnOffButton *button)
 void EditorOverlap::releasePointer()
 {
     QDrag::cancel();
-    // One popup may have opened another; one that refuses to close ends the loop.
-    for (QWidget *popup = nullptr; QApplication::activePopupWidget() != popup;) {
-        popup = QApplication::activePopupWidget();
+    // One popup may have opened another.
+    while (QWidget *popup = QApplication::activePopupWidget()) {
         popup->close();
+        if (QApplication::activePopupWidget() == popup) {
+            break; // it refuses
+        }
     }
     if (QWidget *grabber = QWidget::mouseGrabber(); grabber != nullptr) {
         grabber->releaseMouse();

@@ -3,6 +3,7 @@
 
 #include "app/Constants.h"
 #include "app/EditorMainWindow.h"
+#include "app/Folders.h"
 #include "app/Timings.h"
 #include "fonts/ApplicationFonts.h"
 #include "images/Artwork.h"
@@ -37,6 +38,10 @@ public:
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         // A shown and a hidden window come and go; that is not the end of the program.
         QGuiApplication::setQuitOnLastWindowClosed(false);
+        // The resources stand beside the programs, and the tests a folder below.
+        MachineFolders folders;
+        folders.executable = QStringLiteral(TRN_BIN_DIR);
+        setMachineFolders(folders);
         QVERIFY(loadApplicationFonts());
         QApplication::setStyle(new RemoteEditorStyle);
     }

@@ -105,6 +105,7 @@ private Q_SLOTS:
     void theCurrentTemplateNumberSurvives();
     void aLateCompletionDoesNothing();
     void anErrorIgnoresAReturningDevice();
+    void aDeviceThatReturnsWhileThePanelCloses();
     void closingReadyOrErrorStaysOffline_data();
     void closingReadyOrErrorStaysOffline();
     void aWaitingFileKeepsTheEditFlagDown();
@@ -413,7 +414,7 @@ void TestAutoSync::everyCallerWithEveryFault()
     } else if (what.rule == Refusing) {
         LoopbackHub::instance().setRefusing(true);
     } else {
-        QVERIFY(m_loopback->setFault(goes ? QStringLiteral("delay=3:every")
+        QVERIFY(m_loopback->setFault(goes ? QStringLiteral("delay=20:every")
                                           : QString::fromLatin1(what.rule)));
     }
 
@@ -469,7 +470,8 @@ void TestAutoSync::everyCallerWithEveryFault()
     if (receives) {
         QCOMPARE(differences(*m_rig->api, Bank::HardwareStored, m_memory.stored), QList<int>());
     }
-    QCOMPARE(after.storesToFlash - before.storesToFlash, who.caller == Caller::FileOpen ? 1 : 0);
+    QCOMPARE(after.storesToFlash - before.storesToFlash,
+             who.caller == Caller::FileOpen || who.caller == Caller::Restore ? 1 : 0);
 }
 
 // --- Runs ----------------------------------------------------------------------------------------
@@ -586,6 +588,20 @@ void TestAutoSync::anErrorIgnoresAReturningDevice()
     QVERIFY(finish());
 }
 
+// Between the close and the deletion: the next panel follows the one that is going.
+void TestAutoSync::aDeviceThatReturnsWhileThePanelCloses()
+{
+    QVERIFY(openPanel(false, true));
+    const QPointer<AutoSync> first(panel());
+    QVERIFY(panel()->close());
+    m_rig->window->activePort();
+    QVERIFY(first != nullptr);
+    QTRY_VERIFY(first == nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QTRY_VERIFY(panel() == nullptr);
+    checkIdle(false);
+}
+
 void TestAutoSync::closingReadyOrErrorStaysOffline_data()
 {
     QTest::addColumn<bool>("afterError");
@@ -665,8 +681,9 @@ void TestAutoSync::keys()
         m_loopback->instrument.comeBack();
         timings().receiveRunTimeoutMs = LongRunMs;
     }
+    QSignalSpy pressed(m_rig->inPanel<COnOffButton>(qPrintable(name)), &QAbstractButton::pressed);
     m_rig->pressKey(static_cast<Qt::Key>(key));
-    QVERIFY(m_rig->inPanel<COnOffButton>(qPrintable(name))->isDown());
+    QCOMPARE(pressed.count(), 1);
     QTRY_VERIFY_WITH_TIMEOUT(panel() == nullptr, WaitMs);
     QCOMPARE(m_rig->api->isONLINE(), key != Qt::Key_Escape);
 }
@@ -711,7 +728,7 @@ void TestAutoSync::theLineFills()
     QFETCH(bool, editorToDevice);
     QFETCH(bool, editBufferOnly);
     QFETCH(int, total);
-    QVERIFY(m_loopback->setFault(QStringLiteral("delay=2:every")));
+    QVERIFY(m_loopback->setFault(QStringLiteral("delay=10:every")));
     QVERIFY(openPanel(editorToDevice, editBufferOnly));
     auto *line = m_rig->inPanel<ProgressLine>("lineProgress");
     startOrRetry();
