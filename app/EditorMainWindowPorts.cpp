@@ -3,6 +3,7 @@
 
 #include "app/Constants.h"
 #include "app/EditorMainWindow.h"
+#include "app/EditorMainWindow_p.h"
 #include "memory/CSimpleNotifier.h"
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
@@ -62,11 +63,11 @@ void EditorMainWindow::activePort()
 {
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
-    if (!autoSyncPanel) {
+    if (!stands(autoSyncPanel)) {
         const bool hasDocument = !fileNameNotifier->getMemAPIString().isEmpty() ||
                                  fileEditFlagNotifier->getMemAPICurrentValue() == 1;
         autoSync(hasDocument, !hasDocument);
-        if (!autoSyncPanel) {
+        if (!stands(autoSyncPanel)) {
             activePortPending = true;
             return;
         }

@@ -32,10 +32,18 @@ auto EditorMainWindow::aboveAll(Show show)
     return result;
 }
 
+// Whether the panel exists and will go on to: one that was closed, and is only waiting for its
+// deletion, could neither be shown again nor end what it began.
+template <typename PanelType>
+bool EditorMainWindow::stands(const QPointer<PanelType> &guard)
+{
+    return !guard.isNull() && !guard->isClosed();
+}
+
 template <typename PanelType, typename... Arguments>
 void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...arguments)
 {
-    if (guard->isNull()) {
+    if (!stands(*guard)) {
         *guard = new PanelType(this, std::forward<Arguments>(arguments)...);
     }
     placePanel(guard->data());
@@ -44,7 +52,7 @@ void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...argu
 template <typename PanelType>
 void EditorMainWindow::showModalPanel(QPointer<PanelType> *guard)
 {
-    if (guard->isNull()) {
+    if (!stands(*guard)) {
         *guard = new PanelType(this);
         connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);
     }
