@@ -25,6 +25,8 @@
 #include <QtWidgets/QMenuBar>
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 // Start and end of the window; the other sources are named in the header.
 
@@ -34,9 +36,22 @@ namespace
 // Part of the window that stays on the screen at any stored position, in pixels.
 constexpr int StartMargin = 19;
 
+// Stored numbers may have been damaged or come from elsewhere: what is too large for its type is no
+// number, and not the part of it that is left when it is cut.
+std::optional<int> numberOf(const QSettings &settings, const QString &key)
+{
+    bool isNumber = false;
+    const qlonglong value = settings.value(key).toLongLong(&isNumber);
+    if (!isNumber || value < std::numeric_limits<int>::min() ||
+        value > std::numeric_limits<int>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<int>(value);
+}
+
 bool flagOf(const QSettings &settings, const QString &key)
 {
-    return settings.value(key).toInt() == 1;
+    return numberOf(settings, key) == 1;
 }
 
 } // namespace
@@ -228,15 +243,13 @@ void EditorMainWindow::prepareMemory()
 
 void EditorMainWindow::readWindowSettings()
 {
-    bool hasX = false;
-    bool hasY = false;
-    const int storedX = settings.value(QStringLiteral("WindowX")).toInt(&hasX);
-    const int storedY = settings.value(QStringLiteral("WindowY")).toInt(&hasY);
+    const std::optional<int> storedX = numberOf(settings, QStringLiteral("WindowX"));
+    const std::optional<int> storedY = numberOf(settings, QStringLiteral("WindowY"));
     windowShrink = flagOf(settings, QStringLiteral("WindowShrink"));
     windowOnTop = flagOf(settings, QStringLiteral("WindowOnTop"));
     ui->btnWindowStaysOnTop->setChecked(windowOnTop);
-    if (hasX && hasY) {
-        moveToStoredPosition({storedX, storedY});
+    if (storedX && storedY) {
+        moveToStoredPosition({*storedX, *storedY});
     }
 }
 

@@ -194,7 +194,7 @@ private:
     void openRoute();
     int templateToReset() const;
     static void placePanel(EditorOverlap *panel);
-    // Makes the panel if the guard is null, and shows it.
+    // Makes the panel unless it stands, and shows it.
     template <typename PanelType, typename... Arguments>
     void showPanel(QPointer<PanelType> *guard, Arguments &&...arguments);
     // A reset's question or About: the library's keys are off while it stands.

@@ -211,7 +211,10 @@ bool EditorMainWindow::fileOpen(const QString &name)
         remoteMemAPI->setFileOpenRequestFlag(remoteMemAPI->needToWaitAutoSyncDone());
         // Comes back by applicationFileOpen() as soon as a panel has gone, or by the timer.
         m_waitingFiles.append(name);
-        m_fileRetry.start(FileRetryMs);
+        // A timer that runs already is left alone, lest a stream of requests puts it off for ever.
+        if (!m_fileRetry.isActive()) {
+            m_fileRetry.start(FileRetryMs);
+        }
         return true;
     }
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
@@ -228,10 +231,11 @@ bool EditorMainWindow::fileOpen(const QString &name)
             fileNameNotifier->setMemAPIString(name);
             setWorkingFolder(name);
         }
-        remoteMemAPI->allowToRaiseFileEditFlag();
         if (!loaded) {
             critical(error, EditorName);
-        } else if (remoteMemAPI->isONLINE()) {
+        }
+        remoteMemAPI->allowToRaiseFileEditFlag();
+        if (loaded && remoteMemAPI->isONLINE()) {
             qDebug("fileOpenAutoSync_exec!!");
             remoteMemAPI->setONLINEstate(0);
             autoSync(true, false);
