@@ -6,6 +6,7 @@
 #include "app/Folders.h"
 #include "file/EditorFile.h"
 #include "fonts/ApplicationFonts.h"
+#include "memory/CSimpleNotifier.h"
 #include "memory/RemoteMemAPI.h"
 #include "views/EditorLibrary.h"
 #include "widgets/CListView.h"
@@ -15,6 +16,7 @@
 #include "widgets/RemoteEditorStyle.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QDrag>
 #include <QtGui/QWindow>
@@ -40,6 +42,9 @@ public:
         folders.shareFolder = QStringLiteral(TRN_SOURCE_DIR "/resources");
         folders.executable = QStringLiteral(TRN_SOURCE_DIR "/tests");
         setMachineFolders(folders);
+        // Without an instrument, and without a panel that says so.
+        QSettings(QSettings::UserScope, CorporationName, SettingName)
+            .setValue(QStringLiteral("PortName"), PortNotAssigned);
     }
 
     explicit LibraryRig(bool autoSyncAtStart = false)

@@ -13,11 +13,16 @@
 namespace
 {
 
-// A template's data as the view gives it out, of fifty templates that are all defaults but for
-// what change does to the text.
+// A template's data as the view gives it out.
 QByteArray templateXml(int bank, int number)
 {
     RemoteMemAPI api;
+    api.setParam(ParamAddress(Bank::Stored, 0, ParamAddress::TemplateName, -1),
+                 QStringLiteral("Piano"));
+    api.setParam(ParamAddress(Bank::Stored, 0, ParamAddress::VSTiName, -1),
+                 QStringLiteral("Synth"));
+    api.setParam(ParamAddress(Bank::Stored, 0, 0, ParamAddress::DisplayName),
+                 QStringLiteral("Cutoff"));
     QDomDocument document(TemplateDocType);
     QDomElement root =
         EditorData::getTemplateDomElement(&api, &document, Bank::Stored, 0, QString());
@@ -67,8 +72,8 @@ void damagedRows()
     QTest::newRow("bank -1") << changed("banknumber=\"5\"", "banknumber=\"-1\"");
     QTest::newRow("bank 0") << changed("banknumber=\"5\"", "banknumber=\"0\"");
     QTest::newRow("bank 9") << changed("banknumber=\"5\"", "banknumber=\"9\"");
-    QTest::newRow("no name") << without("<name", "/>");
-    QTest::newRow("no instrument") << without("<vstiname", "/>");
+    QTest::newRow("no name") << without("<name", "</name>");
+    QTest::newRow("no instrument") << without("<vstiname", "</vstiname>");
     QTest::newRow("no control type") << without("<controltype", "</controltype>");
     QTest::newRow("control type 2")
         << changed("<controltype>0</controltype>", "<controltype>2</controltype>");
@@ -78,8 +83,7 @@ void damagedRows()
     QTest::newRow("a CC of nine") << changed("<ccnumber>0</ccnumber>", "<ccnumber>nine</ccnumber>");
     QTest::newRow("a format of 2")
         << changed("<displayformat>0</displayformat>", "<displayformat>2</displayformat>");
-    QTest::newRow("a long display name")
-        << changed("<displayname/>", "<displayname>sixteen letters.</displayname>");
+    QTest::newRow("a long display name") << changed(">Cutoff<", ">sixteen letters.<");
     QTest::newRow("a long identifier") << changed("<remotenumber>", "<remotenumber>0");
 }
 
@@ -568,12 +572,12 @@ void TestEditorLibrary::aFileFillsTheImportSide()
 {
     LibraryRig rig;
     QVERIFY(rig.enter());
-    rig.importFile(rig.makeFile(QStringLiteral("my \"own\" b\u00E4nk.Q7V")));
+    rig.importFile(rig.makeFile(QStringLiteral("my 'own' b\u00E4nk & more.Q7V")));
     QVERIFY(rig.importList()->isVisible());
     QVERIFY(rig.widget<QScrollBar>("scrollImport")->isVisible());
     QVERIFY(rig.button("btnImport")->isVisible());
     QVERIFY(rig.text("txtFileName")->isVisible());
-    QCOMPARE(rig.text("txtFileName")->text(), QStringLiteral("my \"own\" b\u00E4nk.Q7V"));
+    QCOMPARE(rig.text("txtFileName")->text(), QStringLiteral("my 'own' b\u00E4nk & more.Q7V"));
     QCOMPARE(rig.importList()->text(0, 0), QStringLiteral("01  F01"));
     QCOMPARE(rig.importList()->text(49, 0), QStringLiteral("50  F50"));
     QCOMPARE(rig.window.getWorkingFolder(), QDir(rig.folder.path()).absolutePath());
@@ -791,7 +795,7 @@ void TestEditorLibrary::setTemplateMimeDataWritesTheContent()
     LibraryRig rig;
     QVERIFY(rig.enter());
     QByteArray xml = templateXml(Bank::Library, 7);
-    xml.replace("<name/>", "<name>Written</name>");
+    xml.replace("Piano", "Written");
     const std::unique_ptr<QMimeData> mime(mimeOf(xml));
     QVERIFY(rig.view->setTemplateMimeData(mime.get(), 3));
     QCOMPARE(rig.nameOf(Bank::Library, 3), QStringLiteral("Written"));

@@ -342,15 +342,15 @@ void TestEditorLibraryDrag::theWindowMayEndDuringADrag()
     CListView *list = rig->list();
     QWindow *window = rig->window.windowHandle();
     const QPoint start = list->mapTo(&rig->window, middleOf(list, 5));
-    QTimer::singleShot(50, qApp, [&rig] { rig.reset(); });
+    QTimer::singleShot(50, qApp, [&rig] {
+        rig.reset();
+        QDrag::cancel();
+    });
     QTest::mousePress(window, Qt::LeftButton, {}, start);
     QTest::mouseMove(window, start + QPoint(3, 0));
-    QPointer<QWindow> alive(window);
     QTest::mouseMove(window, start + QPoint(40, 0));
     QTRY_VERIFY(rig == nullptr);
-    if (alive) {
-        QTest::mouseRelease(alive, Qt::LeftButton, {}, start);
-    }
+    QTestPrivate::qtestMouseButtons = Qt::NoButton;
 }
 
 // --- Data from elsewhere -------------------------------------------------------------------------
@@ -383,7 +383,8 @@ void TestEditorLibraryDrag::foreignDataIsIgnored()
     const QPoint point = middleOf(rig.list(), 4);
     QDragEnterEvent enter(point, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
     QApplication::sendEvent(rig.list(), &enter);
-    QVERIFY(!enter.isAccepted());
+    // The window behind takes it, to do nothing with it.
+    QCOMPARE(enter.dropAction(), Qt::IgnoreAction);
     QDropEvent drop(point, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
     QApplication::sendEvent(rig.list(), &drop);
     QCOMPARE(rig.namesOf(Bank::Library), before);
