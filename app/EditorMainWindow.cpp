@@ -4,6 +4,7 @@
 #include "app/Constants.h"
 #include "app/Folders.h"
 #include "app/MainWindowRects.h"
+#include "app/Shortcuts.h"
 #include "file/EditorFile.h"
 #include "images/Artwork.h"
 #include "memory/CSimpleNotifier.h"
@@ -109,8 +110,8 @@ void EditorMainWindow::buildMenus()
 {
     fileMenu = addMenu(nullptr, MenuFileMenu);
     actionFileNew = addEntry(fileMenu, MenuFileNew, ShortcutFileNew, &EditorMainWindow::fileNew);
-    actionFileOpen =
-        addEntry(fileMenu, MenuFileOpen, ShortcutFileOpen, qOverload<>(&EditorMainWindow::fileOpen));
+    actionFileOpen = addEntry(fileMenu, MenuFileOpen, ShortcutFileOpen,
+                              qOverload<>(&EditorMainWindow::fileOpen));
     actionFileSave =
         addEntry(fileMenu, MenuFileSave, ShortcutFileSave, &EditorMainWindow::fileSaveBank);
     actionFileSaveAs =

@@ -67,17 +67,17 @@ public:
     void installTabCanceller(QWidget *root);
 
     // Modal boxes; staying on top is suspended for their time, so that a box never hides.
-    QMessageBox::StandardButton critical(
-        const QString &text, const QString &title,
-        QMessageBox::StandardButtons buttons = QMessageBox::Ok,
-        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
-    QMessageBox::StandardButton warning(
-        const QString &text, const QString &title,
-        QMessageBox::StandardButtons buttons = QMessageBox::Ok,
-        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
-    QMessageBox::StandardButton question(
-        const QString &text, const QString &title, QMessageBox::StandardButtons buttons,
-        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+    QMessageBox::StandardButton
+    critical(const QString &text, const QString &title,
+             QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+             QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+    QMessageBox::StandardButton
+    warning(const QString &text, const QString &title,
+            QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+            QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+    QMessageBox::StandardButton
+    question(const QString &text, const QString &title, QMessageBox::StandardButtons buttons,
+             QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
 
     // --- Panels; each opens, or is remembered until the window is free.
     void analyzeVSTi();
@@ -195,11 +195,11 @@ private:
     int templateToReset() const;
     static void placePanel(EditorOverlap *panel);
     // Makes the panel if the guard is null, and shows it.
-    template <typename Panel, typename... Arguments>
-    void showPanel(QPointer<Panel> *guard, Arguments &&...arguments);
+    template <typename PanelType, typename... Arguments>
+    void showPanel(QPointer<PanelType> *guard, Arguments &&...arguments);
     // A reset's question or About: the library's keys are off while it stands.
-    template <typename Panel>
-    void showModalPanel(QPointer<Panel> *guard);
+    template <typename PanelType>
+    void showModalPanel(QPointer<PanelType> *guard);
     // Runs a modal box or dialog with staying on top suspended, so that it never hides.
     template <typename Show>
     auto aboveAll(Show show);
@@ -231,8 +231,8 @@ private:
     int communicationOutPort = 0;
     QStringList dawList;
     QString dawName;
-    QString portName;        // of the last port that failed to open
-    QString pendingOpenFile; // waits for the user's answer on unsaved edits
+    QString portName;           // of the last port that failed to open
+    QString pendingOpenFile;    // waits for the user's answer on unsaved edits
     QStringList m_waitingFiles; // asked for while the way is blocked, oldest first
     QTimer m_fileRetry;
     VSTiInfo vstiInfo;

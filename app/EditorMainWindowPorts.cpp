@@ -10,8 +10,8 @@
 
 void EditorMainWindow::updatePortInfoList()
 {
-    portInfoList = recognizeDevicePorts(remoteMemAPI->getInputPortList(),
-                                        remoteMemAPI->getOutputPortList());
+    portInfoList =
+        recognizeDevicePorts(remoteMemAPI->getInputPortList(), remoteMemAPI->getOutputPortList());
     portNameList = {PortNotAssigned};
     for (const PortInfo &info : std::as_const(portInfoList)) {
         portNameList.append(info.name);

@@ -152,8 +152,7 @@ bool EditorMainWindow::moveIsGood() const
     const QList<QScreen *> screens = QGuiApplication::screens();
     return std::any_of(screens.begin(), screens.end(), [&window](const QScreen *screen) {
         const QRect available = screen->availableGeometry();
-        return window.top() >= available.top() &&
-               window.top() + TitleHeight < available.bottom() &&
+        return window.top() >= available.top() && window.top() + TitleHeight < available.bottom() &&
                window.left() + SideMargin < available.right() &&
                window.right() - SideMargin > available.left();
     });
@@ -212,8 +211,8 @@ void EditorMainWindow::installTabCanceller(QWidget *root)
     root->installEventFilter(this);
     const QObjectList children = root->children();
     for (QObject *child : children) {
-        if (auto *widget = qobject_cast<QWidget *>(child)) {
-            installTabCanceller(widget);
+        if (auto *inner = qobject_cast<QWidget *>(child)) {
+            installTabCanceller(inner);
         }
     }
 }

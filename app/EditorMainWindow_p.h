@@ -32,20 +32,20 @@ auto EditorMainWindow::aboveAll(Show show)
     return result;
 }
 
-template <typename Panel, typename... Arguments>
-void EditorMainWindow::showPanel(QPointer<Panel> *guard, Arguments &&...arguments)
+template <typename PanelType, typename... Arguments>
+void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...arguments)
 {
     if (guard->isNull()) {
-        *guard = new Panel(this, std::forward<Arguments>(arguments)...);
+        *guard = new PanelType(this, std::forward<Arguments>(arguments)...);
     }
     placePanel(guard->data());
 }
 
-template <typename Panel>
-void EditorMainWindow::showModalPanel(QPointer<Panel> *guard)
+template <typename PanelType>
+void EditorMainWindow::showModalPanel(QPointer<PanelType> *guard)
 {
     if (guard->isNull()) {
-        *guard = new Panel(this);
+        *guard = new PanelType(this);
         connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);
     }
     editorLibrary->enableKeyboardShortcuts(false);

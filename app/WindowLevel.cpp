@@ -6,11 +6,11 @@
 #include <QtWidgets/QWidget>
 
 #ifdef Q_OS_LINUX
-#    include <xcb/xcb.h>
+#include <xcb/xcb.h>
 
-#    include <cstdlib>
-#    include <cstring>
-#    include <memory>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 #endif
 
 #ifdef Q_OS_LINUX

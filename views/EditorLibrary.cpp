@@ -136,6 +136,8 @@ void EditorLibrary::installShortcut(const QString &key, Slot slot)
 {
     auto *action = new QAction(this);
     action->setShortcut(QKeySequence(key, QKeySequence::PortableText));
+    // A key still held down after it has closed a panel must not end the visit.
+    action->setAutoRepeat(false);
     connect(action, &QAction::triggered, this, slot);
     addAction(action);
 }
@@ -208,9 +210,9 @@ int EditorLibrary::getBankNumber() const
 
 bool EditorLibrary::canPaste() const
 {
-    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
-    return bankAvailable && templateListSelected && data != nullptr &&
-           data->hasFormat(TemplateMimeType);
+    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
+    return bankAvailable && templateListSelected && mime != nullptr &&
+           mime->hasFormat(TemplateMimeType);
 }
 
 bool EditorLibrary::canImport() const

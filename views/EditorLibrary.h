@@ -87,7 +87,7 @@ public:
 
     // Writes the content of the data itself to a template of the active list, which no command
     // does. False, and nothing written, for data that pasteTemplate() would refuse.
-    bool setTemplateMimeData(const QMimeData *data, int number);
+    bool setTemplateMimeData(const QMimeData *mime, int number);
 
     // The resets, from the stored bank, the instrument's edit buffer at start-up and the presets.
     // number: the template to put in front, negative for the selected one.
@@ -172,11 +172,11 @@ private:
     // --- Clipboard and drag data.
     QMimeData *createTemplateMimeData(int number) const;
     // Null for null, damaged or foreign data; document keeps what it points into.
-    static QDomElement templateElement(const QMimeData *data, QDomDocument *document);
+    static QDomElement templateElement(const QMimeData *mime, QDomDocument *document);
     // -1 without the attribute.
     static int getTemplateNumberFromTemplateMimeData(const QDomElement &element);
     static int getBankNumberFromTemplateMimeData(const QDomElement &element);
-    static std::optional<TemplatePlace> templatePlace(const QMimeData *data);
+    static std::optional<TemplatePlace> templatePlace(const QMimeData *mime);
     // --- Mouse.
     bool listEvent(CListView *list, QEvent *event);
     bool templateListEvent(QEvent *event);
@@ -184,6 +184,7 @@ private:
     void dragTemplate(CListView *list, int number, Qt::KeyboardModifiers modifiers);
     QPixmap dragPicture(const CListView *list, int number) const;
     void dragMoved(QDragMoveEvent *event);
+    void endDrag();
     bool dropped(QDropEvent *event);
     bool contextMenu(const QContextMenuEvent *event);
     void startScrolling(int direction);
@@ -223,6 +224,8 @@ private:
     // While the preview is being aimed at another template, which would have it made anew for each
     // of its values.
     bool m_reassigning = false;
-    // What the drag over the list carries, read once when it enters; nothing for other data.
+    // What the drag over the list carries, read once and not at every move; nothing for data that
+    // is refused.
     std::optional<TemplatePlace> m_dragged;
+    bool m_dragRead = false;
 };

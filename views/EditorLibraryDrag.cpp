@@ -71,8 +71,7 @@ bool EditorLibrary::listEvent(CListView *list, QEvent *event)
     case QEvent::MouseMove:
         return listMoved(list, static_cast<QMouseEvent *>(event));
     case QEvent::DragLeave:
-        m_dragged.reset();
-        stopScrolling();
+        endDrag();
         return true;
     default:
         return list == ui->listTemplate && templateListEvent(event);
@@ -83,7 +82,7 @@ bool EditorLibrary::templateListEvent(QEvent *event)
 {
     switch (event->type()) {
     case QEvent::DragEnter:
-        m_dragged = templatePlace(static_cast<QDropEvent *>(event)->mimeData());
+        endDrag();
         dragMoved(static_cast<QDragMoveEvent *>(event));
         return true;
     case QEvent::DragMove:
@@ -130,6 +129,7 @@ void EditorLibrary::dragTemplate(CListView *list, int number, Qt::KeyboardModifi
     drag->exec(copies ? Qt::CopyAction : Qt::MoveAction);
     if (self) {
         dragSource = NoDrag;
+        endDrag();
     }
 }
 
@@ -142,7 +142,8 @@ QPixmap EditorLibrary::dragPicture(const CListView *list, int number) const
     picture.fill(list->palette().color(list->backgroundRole()));
 
     QPainter painter(&picture);
-    painter.initFrom(list);
+    painter.setFont(list->font());
+    painter.setPen(list->palette().color(list->foregroundRole()));
     painter.setRenderHint(QPainter::TextAntialiasing, false);
     const int across = list->itemMarginWidth();
     const int down = list->itemMarginHeight();
@@ -153,8 +154,18 @@ QPixmap EditorLibrary::dragPicture(const CListView *list, int number) const
 
 // --- Dropping ------------------------------------------------------------------------------------
 
+void EditorLibrary::endDrag()
+{
+    m_dragRead = false;
+    stopScrolling();
+}
+
 void EditorLibrary::dragMoved(QDragMoveEvent *event)
 {
+    if (!m_dragRead) {
+        m_dragged = templatePlace(event->mimeData());
+        m_dragRead = true;
+    }
     if (!m_dragged) {
         event->ignore();
         return;
@@ -185,8 +196,7 @@ void EditorLibrary::dragMoved(QDragMoveEvent *event)
 
 bool EditorLibrary::dropped(QDropEvent *event)
 {
-    stopScrolling();
-    m_dragged.reset();
+    endDrag();
     if (event->mimeData() == nullptr || !event->mimeData()->hasFormat(TemplateMimeType)) {
         return false;
     }
@@ -262,6 +272,7 @@ bool EditorLibrary::contextMenu(const QContextMenuEvent *event)
     // Closes with the view, if that ends first.
     const QPointer<QMenu> menu = new QMenu(this);
     menu->setFont(font());
+    menu->setCursor(window()->cursor());
     menu->addAction(MenuEditCopy, mainWindow, &EditorMainWindow::editCopy)
         ->setEnabled(templateListSelected);
     menu->addAction(MenuEditPaste, mainWindow, &EditorMainWindow::editPaste)

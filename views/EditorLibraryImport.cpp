@@ -89,17 +89,17 @@ QMimeData *EditorLibrary::createTemplateMimeData(int number) const
     root.setAttribute(EditorData::AttributeTemplateNumber, number);
     root.setAttribute(EditorData::AttributeBankNumber, bank);
     document.appendChild(root);
-    auto *data = new QMimeData;
-    data->setData(TemplateMimeType, document.toByteArray(Indent));
-    return data;
+    auto *mime = new QMimeData;
+    mime->setData(TemplateMimeType, document.toByteArray(Indent));
+    return mime;
 }
 
-QDomElement EditorLibrary::templateElement(const QMimeData *data, QDomDocument *document)
+QDomElement EditorLibrary::templateElement(const QMimeData *mime, QDomDocument *document)
 {
-    if (data == nullptr || !data->hasFormat(TemplateMimeType)) {
+    if (mime == nullptr || !mime->hasFormat(TemplateMimeType)) {
         return {};
     }
-    const QByteArray text = data->data(TemplateMimeType);
+    const QByteArray text = mime->data(TemplateMimeType);
     QString message;
     int line = 0;
     if (text.isEmpty() || text.size() > MostBytes ||
@@ -121,10 +121,10 @@ int EditorLibrary::getBankNumberFromTemplateMimeData(const QDomElement &element)
     return numberOf(element, EditorData::AttributeBankNumber);
 }
 
-std::optional<EditorLibrary::TemplatePlace> EditorLibrary::templatePlace(const QMimeData *data)
+std::optional<EditorLibrary::TemplatePlace> EditorLibrary::templatePlace(const QMimeData *mime)
 {
     QDomDocument document;
-    const QDomElement root = templateElement(data, &document);
+    const QDomElement root = templateElement(mime, &document);
     const TemplatePlace place{getBankNumberFromTemplateMimeData(root),
                               getTemplateNumberFromTemplateMimeData(root)};
     const bool known = (place.bank == Bank::Import || place.bank == Bank::Library) &&
@@ -132,10 +132,10 @@ std::optional<EditorLibrary::TemplatePlace> EditorLibrary::templatePlace(const Q
     return known ? std::make_optional(place) : std::nullopt;
 }
 
-bool EditorLibrary::setTemplateMimeData(const QMimeData *data, int number)
+bool EditorLibrary::setTemplateMimeData(const QMimeData *mime, int number)
 {
     QDomDocument document;
-    const QDomElement root = templateElement(data, &document);
+    const QDomElement root = templateElement(mime, &document);
     if (root.isNull()) {
         return false;
     }
