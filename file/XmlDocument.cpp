@@ -104,6 +104,7 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
     };
     int depth = 0;
     int elements = 0;
+    qint64 attributes = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
@@ -112,6 +113,10 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
             }
             if (++depth > limits.depth) {
                 return refuseHere(QStringLiteral("The elements are nested too deeply."));
+            }
+            attributes += reader.attributes().size();
+            if (attributes > limits.attributes) {
+                return refuseHere(QStringLiteral("The document has too many attributes."));
             }
             break;
         case QXmlStreamReader::EndElement:

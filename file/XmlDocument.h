@@ -27,6 +27,7 @@ struct Limits
     int depth = MaximumDepth;
     qint64 bytes = MaximumBytes;
     int elements = MaximumElements;
+    qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
 };
 
 // Builds the tree. False for malformed text, for one that exceeds a limit, and for one that

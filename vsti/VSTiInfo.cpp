@@ -103,9 +103,28 @@ void VSTiInfo::entryVSTiParameter()
         parameterLists.insert(name, list);
         fileInfos.insert(name, {QFileInfo(QFile::decodeName(result.path)), result.isVST2 ? 2 : 3});
     }
+    for (auto entry = vstXmlData.cbegin(); entry != vstXmlData.cend(); ++entry) {
+        updateParameterListFromVSTXMLData(entry.value(), entry.key(),
+                                          vstXmlPrimaryNames.contains(entry.key()));
+    }
+    for (auto entry = vstXmlFiles.cbegin(); entry != vstXmlFiles.cend(); ++entry) {
+        QFile description(entry.value());
+        updateParameterListFromVSTXMLFile(description, entry.key(),
+                                          vstXmlPrimaryNames.contains(entry.key()));
+    }
 
     QFile database(databaseFolder.filePath(DatabaseFileName));
     writeParameterListDatabase(database);
+
+    // Only now: a description beside a plug-in may change without the plug-in, so it is applied on
+    // every run and never reaches the database.
+    for (auto entry = fileInfos.cbegin(); entry != fileInfos.cend(); ++entry) {
+        if (entry->version == 2) {
+            QFile description(
+                entry->fileInfo.absoluteDir().filePath(entry.key() + ExtensionVSTXML));
+            updateParameterListFromVSTXMLFile(description, entry.key(), false);
+        }
+    }
 
     // Names that differ in case alone come in one order, whatever the hash's.
     QStringList names = fileInfos.keys();

@@ -126,6 +126,25 @@ protected:
     void appendParameterTree(QList<Parameter> *list, const QString &vstiName,
                              const QDomElement &element, const QStringList &prefix);
 
+    // A maker's parameter description into the lists of a name; ParameterDescription tells the
+    // format. Primary: the description is the authority, renames what is known and adds the rest.
+    // Otherwise only what is known stays, under the description's names and in its order, with the
+    // bypass switch first.
+    void updateParameterListFromVSTXMLFile(QFile &file, const QString &vstiName, bool primary);
+    void updateParameterListFromVSTXMLData(const QByteArray &data, const QString &vstiName,
+                                           bool primary);
+    void updateParameterListFromVSTXMLDomDocument(const QDomDocument &document,
+                                                  const QString &vstiName, bool primary);
+    // The walk itself, whatever the lists hold.
+    void appendParameterTreeFromVSTXML(QList<Parameter> *list, QHash<QString, QStringList> *map,
+                                       const QDomElement &element, const QHash<QString, int> &keys,
+                                       const QStringList &prefix);
+    void appendParameterTemplateFromVSTXML(QList<Parameter> *list, QHash<QString, QStringList> *map,
+                                           const QDomElement &group,
+                                           const QHash<QString, int> &keys,
+                                           const QStringList &prefix, const QString &templateName);
+    int getIntValue(const QString &expression, const QHash<QString, int> &keys) const;
+
     // Display name to application folder name and settings file name.
     QMap<QString, QPair<QString, QString>> dawSettings;
     QString currentDAW; // display name; empty until selectDAW()
@@ -149,7 +168,12 @@ protected:
     QStringList vstXmlPrimaryNames;        // names whose description is the authority
 
 private:
-    // How many more names the paths of the document being read may hold.
+    // The two ways of entering a description.
+    void refineParameterList(const QList<Parameter> &described, const QString &vstiName);
+    void extendParameterList(const QList<Parameter> &described, const QString &vstiName);
+
+    // How many more names the paths of the document being read may hold; negative once a path was
+    // left out for it.
     qint64 m_namesLeft = 0;
 };
 
