@@ -30,8 +30,8 @@
 // with a database of two instruments for whoever chooses the DAW "Rack".
 
 inline const QString RackDAW = QStringLiteral("Rack");
-inline const QString LongSynth =
-    QStringLiteral("Grand Organ X 1000"); // blank after 13 characters cut
+// Cut to thirteen characters it ends in a blank.
+inline const QString LongSynth = QStringLiteral("Grand Organs 1000");
 inline const QString ShortSynth = QStringLiteral("Halcyon");
 
 inline void prepareApplication()
@@ -153,7 +153,7 @@ public:
     QRect flashOf(int knob) const { return label(knob)->geometry().adjusted(-1, -1, 1, 1); }
     QString filePath(const char *name) const { return folder.filePath(QString::fromUtf8(name)); }
 
-    // The last of them stands in a group of two.
+    // Two of them stand in groups, and one has the identifier of a track control.
     static constexpr const char *DefaultParameters =
         "<parameter id=\"20000000001\" name=\"Output Level\"/>"
         "<group name=\"Filter\"><parameter id=\"20000000002\" name=\"Cutoff\"/>"
