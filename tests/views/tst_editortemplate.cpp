@@ -170,7 +170,7 @@ void TestEditorTemplate::anotherTemplateShowsItsOwnKnobs()
     QCOMPARE(run.get<CLineEdit>("editDisplayName")->text(), QStringLiteral("Last"));
     // By the button, one back.
     auto *spin = run.get<CSpinButton>("btnTemplateNumber");
-    QTest::mouseClick(spin, Qt::LeftButton, {}, QPoint(spin->width() / 2, spin->height() - 3));
+    QTest::mouseClick(spin->childAt(spin->width() / 2, spin->height() - 3), Qt::LeftButton);
     QTRY_COMPARE(run.current(), 48);
     QCOMPARE(valueAt(run.api, ParamAddress(0, 52, -1, -1)), 48);
 }
@@ -244,7 +244,7 @@ void TestEditorTemplate::touchingACCControlMakesTheTemplateCC()
                           Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(control, &wheel);
     } else if (qobject_cast<CSpinButton *>(control) != nullptr) {
-        QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(control->width() / 2, 3));
+        QTest::mouseClick(control->childAt(control->width() / 2, 3), Qt::LeftButton);
     } else {
         QTest::mouseClick(control, Qt::LeftButton);
     }

@@ -38,7 +38,7 @@ public:
     }
     ~RealDrag() override { qApp->removeEventFilter(this); }
 
-    // what happens over the target, before the button comes up.
+    // overTarget: what happens there before the button comes up.
     void run(std::function<void()> overTarget = {})
     {
         m_overTarget = std::move(overTarget);
@@ -53,8 +53,6 @@ public:
 
     bool began() const { return m_began; }
     bool dropped() const { return m_dropped; }
-    bool accepted() const { return m_accepted; }
-    Qt::DropAction action() const { return m_action; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
@@ -71,8 +69,7 @@ protected:
             if (watched == m_from && !m_began) {
                 m_began = true;
                 QMetaObject::invokeMethod(this, &RealDrag::goOn, Qt::QueuedConnection);
-            } else if (watched == m_to && event->type() == QEvent::DragMove && m_arrived &&
-                       !m_letGo) {
+            } else if (watched == m_to && m_arrived && !m_letGo) {
                 m_letGo = true;
                 QMetaObject::invokeMethod(this, &RealDrag::letGo, Qt::QueuedConnection);
             }
@@ -90,9 +87,11 @@ private:
     void goOn()
     {
         m_arrived = true;
-        m_input->moveTo(m_to->mapToGlobal(QPoint(40, 10)));
-        // A target that refuses hears of no further move.
-        m_input->moveTo(m_to->mapToGlobal(QPoint(42, 12)));
+        m_input->moveTo(m_to->mapToGlobal(QPoint(60, 10)));
+        if (m_to == m_from) {
+            // Its answer held for all of it, so it isn't asked again.
+            letGo();
+        }
     }
     void letGo()
     {
@@ -112,8 +111,6 @@ private:
     bool m_letGo = false;
     bool m_dropped = false;
     bool m_released = false;
-    bool m_accepted = false;
-    Qt::DropAction m_action = Qt::IgnoreAction;
 };
 
 } // namespace

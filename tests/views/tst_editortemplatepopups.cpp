@@ -114,7 +114,7 @@ void TestEditorTemplatePopups::theTemplatePopupListsAllNamesAndGoesToTheChosenOn
     });
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(run.current(), 41);
-    QVERIFY(button->hasFocus());
+    QTRY_VERIFY(button->hasFocus());
     QVERIFY(answers.allGiven());
 }
 
@@ -129,7 +129,7 @@ void TestEditorTemplatePopups::escapeLeavesTheTemplateAndReturnsTheFocus()
     });
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(run.current(), 0);
-    QVERIFY(button->hasFocus());
+    QTRY_VERIFY(button->hasFocus());
     // And by keys alone.
     answers.expect<CPopupList>([](CPopupList *popup) {
         QTest::keyClick(popup->getListWidget(), Qt::Key_Down);
@@ -185,7 +185,7 @@ void TestEditorTemplatePopups::theVSTiPopupShowsTheInstrumentsAndTheCurrentOne()
     auto *button = run.get<COnOffButton>("btnVSTiName");
     QTest::mouseClick(button, Qt::LeftButton);
     QCOMPARE(run.vstiName(), ShortSynth);
-    QVERIFY(button->hasFocus());
+    QTRY_VERIFY(button->hasFocus());
     QVERIFY(answers.allGiven());
 }
 
@@ -263,7 +263,7 @@ void TestEditorTemplatePopups::theParameterPopupIsTheTreeOfTheParameters()
     });
     auto *button = run.get<COnOffButton>("btnRemoteControlParameter");
     QTest::mouseClick(button, Qt::LeftButton);
-    QVERIFY(button->hasFocus());
+    QTRY_VERIFY(button->hasFocus());
     QVERIFY(answers.allGiven());
 }
 
@@ -374,7 +374,7 @@ void TestEditorTemplatePopups::theCCPopupGivesNumberAndName()
     QCOMPARE(run.knob(0), QStringLiteral("Bright|74|1|100000401"));
     QCOMPARE(run.controlType(), 1);
     QCOMPARE(run.cell(0)->text(), QStringLiteral("CC074\nBright"));
-    QVERIFY(button->hasFocus());
+    QTRY_VERIFY(button->hasFocus());
 }
 
 void TestEditorTemplatePopups::theNamesOfTheControlChanges()
@@ -456,7 +456,7 @@ void TestEditorTemplatePopups::aDoubleClickOpensWhatTheKnobIs()
     QTest::mouseDClick(run.button(6), Qt::LeftButton);
     QVERIFY(answers.allGiven());
     QCOMPARE(run.view->getCurrentKnob(), 6);
-    QVERIFY(run.button(6)->hasFocus());
+    QTRY_VERIFY(run.button(6)->hasFocus());
     QVERIFY(!run.button(6)->isDown());
 }
 
@@ -486,7 +486,7 @@ void TestEditorTemplatePopups::returnOnAKnobOpensTheParametersOnlyWhenRemote()
         QTest::keyClick(run.button(2), key);
         QVERIFY(answers.allGiven());
         QVERIFY(run.knob(2).endsWith(QStringLiteral("|100000005")));
-        QVERIFY(run.button(2)->hasFocus());
+        QTRY_VERIFY(run.button(2)->hasFocus());
     }
 }
 
