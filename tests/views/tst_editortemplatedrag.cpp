@@ -276,11 +276,13 @@ void TestEditorTemplateDrag::aDropIsAnsweredForTheWholeKnob()
                         Qt::KeyboardModifiers(modifiers));
     QCoreApplication::sendEvent(run.button(4), &move);
     for (const QDragMoveEvent *event : {static_cast<QDragMoveEvent *>(&enter), &move}) {
-        QCOMPARE(event->isAccepted(), action != int(Qt::IgnoreAction));
-        if (event->isAccepted()) {
+        // What a knob refuses goes on to the view, which takes it for nothing.
+        const bool taken = event->isAccepted() && event->dropAction() != Qt::IgnoreAction;
+        QCOMPARE(taken, action != int(Qt::IgnoreAction));
+        if (taken) {
             QCOMPARE(int(event->dropAction()), action);
+            QCOMPARE(event->answerRect(), run.button(4)->rect());
         }
-        QCOMPARE(event->answerRect(), run.button(4)->rect());
     }
 }
 
