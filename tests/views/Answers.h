@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "widgets/PopupWindow.h"
+
 #include <QtCore/QEvent>
 #include <QtCore/QList>
 #include <QtCore/QPointer>
@@ -15,8 +17,8 @@
 #include <functional>
 
 // Plays the user at windows that hold the program up: dialogs, popups, menus. An answer is given
-// beforehand; it runs in the event loop of the first window of its kind that shows. A dialog that
-// nobody expected is closed and remembered, so that a test fails instead of hanging.
+// beforehand; it runs in the event loop of the first window of its kind that shows. A dialog or
+// popup that nobody expected is closed and remembered, so that a test fails instead of hanging.
 class Answers : public QObject
 {
 public:
@@ -32,8 +34,18 @@ public:
                 return false;
             }
             // Not before all of it shows.
+            const QPointer<QWidget> guard(window);
             QMetaObject::invokeMethod(
-                window, [window, answer] { answer(window); }, Qt::QueuedConnection);
+                window,
+                [window, guard, answer] {
+                    answer(window);
+                    // Whoever fails has not come to his answer; the program must go on all the
+                    // same.
+                    if (QTest::currentTestFailed() && guard) {
+                        guard->close();
+                    }
+                },
+                Qt::QueuedConnection);
             return true;
         });
     }
@@ -76,6 +88,9 @@ protected:
         if (auto *dialog = qobject_cast<QDialog *>(window)) {
             m_unexpected.append(dialog->windowTitle());
             QMetaObject::invokeMethod(dialog, &QDialog::reject, Qt::QueuedConnection);
+        } else if (qobject_cast<PopupWindow *>(window) != nullptr) {
+            m_unexpected.append(QString::fromLatin1(window->metaObject()->className()));
+            QMetaObject::invokeMethod(window, &QWidget::close, Qt::QueuedConnection);
         }
         return false;
     }

@@ -298,14 +298,27 @@ void TestEditorTemplateDrag::aDropOfDamagedDataWritesNothing()
     const QStringList before = contentOf(run.api, 0);
     run.api.setParam(FileEdit, 0);
     const auto mime = knobMime(xml);
+    // What has not entered isn't dropped.
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(),
+                          Qt::LeftButton, Qt::ControlModifier);
+    QCoreApplication::sendEvent(run.button(4), &enter);
     QDropEvent drop(QPointF(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(), Qt::LeftButton,
                     Qt::ControlModifier);
     QCoreApplication::sendEvent(run.button(4), &drop);
-    QVERIFY(!drop.isAccepted());
     QCOMPARE(contentOf(run.api, 0), before);
     QVERIFY(!run.isEdited());
     QVERIFY(run.flashes().isEmpty());
     QCOMPARE(run.view->getCurrentKnob(), 0);
+    // And the good one is.
+    const auto good = knobMime(KnobXml);
+    QDragEnterEvent again(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, good.get(),
+                          Qt::LeftButton, Qt::ControlModifier);
+    QCoreApplication::sendEvent(run.button(4), &again);
+    QDropEvent taken(QPointF(10, 10), Qt::CopyAction | Qt::MoveAction, good.get(), Qt::LeftButton,
+                     Qt::ControlModifier);
+    QCoreApplication::sendEvent(run.button(4), &taken);
+    QCOMPARE(taken.dropAction(), Qt::CopyAction);
+    QCOMPARE(run.knob(4), QStringLiteral("Pasted|99|1|200000002"));
 }
 
 void TestEditorTemplateDrag::aDragEndsWhenTheTemplateChanges()

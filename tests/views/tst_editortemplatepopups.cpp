@@ -160,6 +160,8 @@ void TestEditorTemplatePopups::turningTheTemplateNumberClosesAnyOpenPopup()
         // The instrument's number comes on another thread.
         std::thread([&] { run.api.setParam(ParamAddress(0, 52, -1, -1), 7); }).join();
         QVERIFY(popup->isVisible());
+        const QPointer<PopupWindow> guard(popup);
+        QTRY_VERIFY_WITH_TIMEOUT(guard.isNull() || !guard->isVisible(), 2000);
     });
     QTest::mouseClick(run.view->findChild<QWidget *>(button), Qt::LeftButton);
     QVERIFY(QApplication::activePopupWidget() == nullptr);
