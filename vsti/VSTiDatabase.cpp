@@ -276,8 +276,12 @@ bool VSTiInfo::writeParameterListDatabase(QFile &file) const
     // the next scan asks it anew, and the others keep their places.
     PluginXml::Size size = PluginXml::sizeOf(document, 0);
     for (auto entry = fileInfos.cbegin(); entry != fileInfos.cend(); ++entry) {
-        const QDomElement element = instrumentElement(&document, entry.key(), entry.value(),
-                                                      parameterLists.value(entry.key()));
+        const QList<Parameter> parameters = parameterLists.value(entry.key());
+        if (size.elements + parameters.size() >= PluginXml::Limits.elements) {
+            continue;
+        }
+        const QDomElement element =
+            instrumentElement(&document, entry.key(), entry.value(), parameters);
         PluginXml::Size sizeWithIt = size;
         sizeWithIt += PluginXml::sizeOf(element, InstrumentIndent);
         if (sizeWithIt.fits()) {

@@ -483,7 +483,7 @@ void TestParameterDescription::templatesThatMultiplyEnd()
 void TestParameterDescription::aChainOfManyTemplatesEnds()
 {
     // Each has the next once; the stack holds a few hundred.
-    constexpr int Templates = 100000;
+    constexpr int Templates = 20000;
     QByteArray content = "<Group name=\"g\" template=\"t0\"/>";
     for (int i = 0; i < Templates; ++i) {
         content += "<Template name=\"t" + QByteArray::number(i) + "\">" +

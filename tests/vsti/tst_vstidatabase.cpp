@@ -741,6 +741,7 @@ void TestVSTiDatabase::aPluginTooLargeForTheFileCostsNoOtherItsPlace_data()
     QTest::addColumn<int>("parameters");
     QTest::addColumn<int>("nameLength");
     QTest::newRow("a million parameters") << 1000000 << 1;
+    QTest::newRow("a million elements with the instrument's own and those above") << 999997 << 1;
     QTest::newRow("3000 names of 64 KB") << 3000 << 65536;
 }
 
@@ -1032,7 +1033,7 @@ void TestVSTiDatabase::linksInABundleAreNotFollowedIntoFolders()
 
 void TestVSTiDatabase::aFolderALongWayDownIsReached()
 {
-    const QByteArray folders = QByteArray("d/").repeated(1500);
+    const QByteArray folders = QByteArray("d/").repeated(600);
     m_rig->plugin(("B.vst3/" + folders + "a").constData(), 7);
     QCOMPARE(getVSTiFileSize(QFileInfo(m_rig->path("plugins/B.vst3"))), 7);
 }
