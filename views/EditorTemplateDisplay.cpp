@@ -128,9 +128,15 @@ void EditorTemplate::updateLCDCell(int knob, const QString &vsti)
             whole.clear();
         }
     }
-    cell->setText(text);
-    btnKnob[index]->setToolTip(whole);
-    btnKnob[index]->setAccessibleDescription(text);
+    // Neither of the button's setters looks whether there is anything to do.
+    CRadioButton *button = btnKnob[index];
+    if (cell->text() != text) {
+        cell->setText(text);
+        button->setAccessibleDescription(text);
+    }
+    if (button->toolTip() != whole) {
+        button->setToolTip(whole);
+    }
 }
 
 void EditorTemplate::updateRemoteControlParameter()
