@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CFrame.h"
 
+#include "images/Artwork.h"
+
 #include <QtGui/QPainter>
 
 CFrame::CFrame(QWidget *parent)
@@ -18,7 +20,8 @@ void CFrame::setBackgroundPixmap(const QPixmap &pixmap)
 
 void CFrame::paintDoubleBuffer(QPainter *painter)
 {
-    painter->drawPixmap(0, 0, m_backgroundPixmap);
+    painter->drawPixmap(0, 0,
+                        artworkFor(m_backgroundPixmap, painter->device()->devicePixelRatioF()));
 }
 
 bool CFrame::event(QEvent *event)

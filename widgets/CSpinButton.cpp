@@ -118,11 +118,15 @@ void CSpinButton::wheelEvent(QWheelEvent *event)
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
     for (int i = 0; i < qAbs(steps) && !isAtLimit(up); ++i) {
+        const int before = value();
         showPressed(up);
         if (up) {
             stepUp();
         } else {
             stepDown();
+        }
+        if (value() == before) {
+            break;
         }
     }
 }

@@ -262,12 +262,13 @@ void CTextSlider::wheelEvent(QWheelEvent *event)
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
     for (int i = 0; i < qAbs(steps); ++i) {
+        const int before = value();
         if (up) {
             stepUp();
         } else {
             stepDown();
         }
-        if (isAtLimit(up)) {
+        if (value() == before) {
             break;
         }
     }

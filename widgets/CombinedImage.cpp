@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CombinedImage.h"
 
+#include "images/Artwork.h"
+
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -42,7 +44,8 @@ void CombinedImage::paint(QPainter *painter, const QRect &rect, Qt::Alignment al
                     placed(rect.height(), slice.height(), alignment.testFlag(Qt::AlignBottom),
                            alignment.testFlag(Qt::AlignVCenter)));
     const QPoint from(m_category * slice.width(), row * slice.height());
-    const qreal ratio = m_pixmap.devicePixelRatio();
-    painter->drawPixmap(QRectF(rect.topLeft() + at, slice), m_pixmap,
+    const QPixmap picture = artworkFor(m_pixmap, painter->device()->devicePixelRatioF());
+    const qreal ratio = picture.devicePixelRatio();
+    painter->drawPixmap(QRectF(rect.topLeft() + at, slice), picture,
                         QRectF(QPointF(from) * ratio, QSizeF(slice) * ratio));
 }
