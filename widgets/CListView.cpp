@@ -355,6 +355,9 @@ void CListView::updateSize()
         m_columnWidths.append(int(columnWidth));
         left -= columnWidth + m_spacingWidth;
     }
+    if (m_scrollBar) {
+        m_scrollBar->setPageStep(m_visibleRows);
+    }
     updateView();
 }
 

@@ -146,6 +146,7 @@ private Q_SLOTS:
 
     void theScrollBarsRangeIsWhatDoesNotShow();
     void theScrollBarsMaximumIsZeroWhenAllItemsFit();
+    void theScrollBarsPageIsWhatShows();
     void anotherScrollBarTakesOver();
     void aDeletedScrollBarLeavesTheFirstRowOnTop();
 
@@ -633,6 +634,26 @@ void TestListView::theScrollBarsMaximumIsZeroWhenAllItemsFit()
     QCOMPARE(bar().maximum(), 1);
     list().resize(100, 150);
     QCOMPARE(bar().maximum(), 0);
+}
+
+void TestListView::theScrollBarsPageIsWhatShows()
+{
+    m_window->open();
+    m_window->fill(50);
+    QCOMPARE(bar().pageStep(), 6);
+    list().resize(100, 49);
+    QCOMPARE(bar().pageStep(), list().visibleRows());
+    QCOMPARE(bar().pageStep(), 3);
+    list().setRowHeight(30);
+    QCOMPARE(bar().pageStep(), list().visibleRows());
+    QCOMPARE(bar().pageStep(), 1);
+    // A click behind the slider shows the rows that follow the last one.
+    list().setRowHeight(15);
+    bar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+    QCOMPARE(bar().value(), 3);
+    QScrollBar second;
+    list().setScrollBar(&second);
+    QCOMPARE(second.pageStep(), 3);
 }
 
 void TestListView::anotherScrollBarTakesOver()
