@@ -184,6 +184,8 @@ private Q_SLOTS:
     void focusSelectsTheListAndSaysSo();
     void ofTwoListsOneShowsTheFocus();
 
+    void aListMayGoWhenItsSelectionMoves();
+
     void hostileValuesDoNotFall();
     void moreColumnsThanTextsAreEmpty();
     void veryLongTexts();
@@ -1237,6 +1239,29 @@ void TestListView::ofTwoListsOneShowsTheFocus()
 
 // --- Bad input
 // ------------------------------------------------------------------------------------
+
+void TestListView::aListMayGoWhenItsSelectionMoves()
+{
+    m_window->open();
+    const auto add = [this] {
+        auto *made = new CListView(m_window.get());
+        made->setGeometry(0, 0, 100, 100);
+        for (int row = 0; row < 9; ++row) {
+            made->addItem({QString()});
+        }
+        made->setScrollBar(&bar());
+        made->show();
+        connect(made, &CListView::valueChanged, made, [made] { delete made; });
+        return QPointer<CListView>(made);
+    };
+    QPointer<CListView> made = add();
+    QTest::keyClick(made, Qt::Key_Down);
+    QVERIFY(made.isNull());
+    made = add();
+    QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 40));
+    QVERIFY(made.isNull());
+    QVERIFY(!m_window->grab().isNull());
+}
 
 void TestListView::hostileValuesDoNotFall()
 {
