@@ -3,7 +3,8 @@
 // that cutting a text takes by its length.
 
 #include "widgets/CListView.h"
-#include "widgets/DoubleBuffer.h"
+#include "widgets/CText.h"
+#include "widgets/CTextSlider.h"
 #include "widgets/FontHelpers.h"
 #include "widgets/StyleColors.h"
 #include "widgets/StyleImages.h"
@@ -27,6 +28,7 @@ constexpr int RowHeight = 15;
 constexpr int RowPitch = 17;
 constexpr QSize ListSize(198, 195);
 constexpr QSize CellSize(71, 21);
+constexpr QSize SliderSize(44, 15);
 constexpr QSize BarSize(16, 191);
 
 double seconds(Clock::duration duration)
@@ -164,31 +166,14 @@ void repaintScrollBar(benchmark::State &state)
 BENCHMARK(repaintScrollBar)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 // A cell of the LCD: two lines of text in a widget with a picture of itself.
-class Cell : public QWidget, public DoubleBuffer
-{
-public:
-    explicit Cell(QWidget *parent = nullptr)
-        : QWidget(parent)
-        , DoubleBuffer(this)
-    {
-        resize(CellSize);
-        setFont(benchFont(8));
-    }
-    static void paint(QPainter *painter)
-    {
-        painter->setPen(Qt::black);
-        painter->drawText(QRect(QPoint(), CellSize), Qt::AlignLeft | Qt::AlignVCenter,
-                          QStringLiteral("CC074\nCutoff"));
-    }
-    void paintDoubleBuffer(QPainter *painter) override { paint(painter); }
-
-protected:
-    bool event(QEvent *event) override { return eventDoubleBuffer(event) || QWidget::event(event); }
-};
-
 void repaintCell(benchmark::State &state)
 {
-    Cell cell;
+    const QString words = QStringLiteral("CC074\nCutoff");
+    CText cell;
+    cell.resize(CellSize);
+    cell.setFont(benchFont(8));
+    cell.setAlignment(Qt::AlignCenter);
+    cell.setText(words);
     cell.show();
     QCoreApplication::processEvents();
     compare(
@@ -198,7 +183,10 @@ void repaintCell(benchmark::State &state)
             cell.updateDoubleBufferPixmap();
         },
         [&] {
-            paintBare(CellSize, cell.font(), [](QPainter &painter) { Cell::paint(&painter); });
+            paintBare(CellSize, cell.font(), [&](QPainter &painter) {
+                painter.setPen(cell.palette().color(QPalette::Text));
+                painter.drawText(QRect(QPoint(), CellSize), Qt::AlignCenter, words);
+            });
         });
 }
 BENCHMARK(repaintCell)->UseManualTime()->Unit(benchmark::kMicrosecond);
@@ -224,21 +212,46 @@ private:
     QPixmap m_picture;
 };
 
-void paintUnchanged(benchmark::State &state)
+// A paint event of an unchanged widget is one copy.
+void paintUnchanged(benchmark::State &state, QWidget *widget)
+{
+    Copy copy(widget->grab());
+    widget->show();
+    copy.show();
+    QCoreApplication::processEvents();
+    compare(
+        state, [&] { widget->repaint(); }, [&] { copy.repaint(); });
+}
+
+void paintUnchangedList(benchmark::State &state)
 {
     CListView list;
     list.resize(ListSize);
     for (int row = 0; row < 50; ++row) {
         list.addItem({QStringLiteral("%1  Template").arg(row)});
     }
-    Copy copy(list.grab());
-    list.show();
-    copy.show();
-    QCoreApplication::processEvents();
-    compare(
-        state, [&] { list.repaint(); }, [&] { copy.repaint(); });
+    paintUnchanged(state, &list);
 }
-BENCHMARK(paintUnchanged)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(paintUnchangedList)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void paintUnchangedCell(benchmark::State &state)
+{
+    CText cell;
+    cell.resize(CellSize);
+    cell.setFont(benchFont(8));
+    cell.setText(QStringLiteral("CC074\nCutoff"));
+    paintUnchanged(state, &cell);
+}
+BENCHMARK(paintUnchangedCell)->UseManualTime()->Unit(benchmark::kMicrosecond);
+
+void paintUnchangedSlider(benchmark::State &state)
+{
+    CTextSlider slider;
+    slider.resize(SliderSize);
+    slider.setFont(benchFont(8));
+    paintUnchanged(state, &slider);
+}
+BENCHMARK(paintUnchangedSlider)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 void trimTextTo(benchmark::State &state, int width, const QString &text)
 {

@@ -355,6 +355,9 @@ void CListView::updateSize()
         m_columnWidths.append(int(columnWidth));
         left -= columnWidth + m_spacingWidth;
     }
+    if (m_scrollBar) {
+        m_scrollBar->setPageStep(m_visibleRows);
+    }
     updateView();
 }
 
@@ -625,6 +628,8 @@ void CListView::wheelEvent(QWheelEvent *event)
 
 void CListView::keyPressEvent(QKeyEvent *event)
 {
+    // Whoever hears of the selection may delete the list.
+    const QPointer<CListView> self(this);
     switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
@@ -636,7 +641,9 @@ void CListView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
         QAbstractSlider::keyPressEvent(event);
-        adjustScroll();
+        if (self) {
+            adjustScroll();
+        }
         return;
     default:
         QAbstractSlider::keyPressEvent(event);

@@ -3,6 +3,7 @@
 
 #include "widgets/COnOffButton.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QWheelEvent>
 
@@ -117,6 +118,8 @@ void CSpinButton::wheelEvent(QWheelEvent *event)
     }
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
+    // Whoever hears of a step may delete the control.
+    const QPointer<CSpinButton> self(this);
     for (int i = 0; i < qAbs(steps) && !isAtLimit(up); ++i) {
         const int before = value();
         showPressed(up);
@@ -125,7 +128,7 @@ void CSpinButton::wheelEvent(QWheelEvent *event)
         } else {
             stepDown();
         }
-        if (value() == before) {
+        if (!self || value() == before) {
             break;
         }
     }

@@ -4,6 +4,7 @@
 #include "widgets/CLineEdit.h"
 #include "widgets/NumberFormat.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QCursor>
 #include <QtGui/QDoubleValidator>
 #include <QtGui/QGuiApplication>
@@ -229,8 +230,9 @@ void CTextSlider::dragBy(int pixels, bool finely)
     const double steps = std::trunc(speed * delta);
     m_dragRemainder = static_cast<int>(std::trunc(delta - steps / speed));
     const int before = value();
+    const QPointer<CTextSlider> self(this);
     setBoundedValue(before - steps);
-    if (value() != before) {
+    if (self && value() != before) {
         Q_EMIT actionTriggered(SliderMove);
     }
 }
@@ -261,6 +263,8 @@ void CTextSlider::wheelEvent(QWheelEvent *event)
     event->accept();
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
+    // Whoever hears of a step may delete the control.
+    const QPointer<CTextSlider> self(this);
     for (int i = 0; i < qAbs(steps); ++i) {
         const int before = value();
         if (up) {
@@ -268,7 +272,7 @@ void CTextSlider::wheelEvent(QWheelEvent *event)
         } else {
             stepDown();
         }
-        if (value() == before) {
+        if (!self || value() == before) {
             break;
         }
     }

@@ -75,6 +75,8 @@ private Q_SLOTS:
     void aWalkMovesItToAnotherTemplate();
     void anUnboundSpinButtonWorks();
 
+    void aSpinButtonMayGoInItsOwnStep();
+
     void theAccessibleNameStays();
     void propertiesThatMakeNoSenseAreHarmless();
 };
@@ -476,6 +478,27 @@ void TestSpinButton::anUnboundSpinButtonWorks()
     QCOMPARE(spin->value(), 5);
     turnWheel(spin, 120);
     QCOMPARE(spin->value(), 6);
+}
+
+void TestSpinButton::aSpinButtonMayGoInItsOwnStep()
+{
+    ControlWindow window;
+    window.open();
+    const auto add = [&window] {
+        CSpinButton *spin = addSpin(&window);
+        spin->show();
+        connect(spin, &CSpinButton::valueChanged, spin, [spin] { delete spin; });
+        return QPointer<CSpinButton>(spin);
+    };
+    QPointer<CSpinButton> spin = add();
+    turnWheel(spin, 360);
+    QVERIFY(spin.isNull());
+    spin = add();
+    QTest::keyClick(spin, Qt::Key_Up);
+    QVERIFY(spin.isNull());
+    spin = add();
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 43));
+    QVERIFY(spin.isNull());
 }
 
 void TestSpinButton::theAccessibleNameStays()
