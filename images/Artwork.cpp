@@ -47,7 +47,7 @@ QPixmap artwork(const QString &path, qreal devicePixelRatio)
     if (const auto found = known.byFile.constFind(file); found != known.byFile.constEnd()) {
         return *found;
     }
-    const QPixmap picture(file);
+    QPixmap picture(file);
     if (picture.isNull()) {
         return picture;
     }
