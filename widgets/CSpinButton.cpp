@@ -27,7 +27,7 @@ CSpinButton::CSpinButton(QWidget *parent)
     connect(m_upButton, &QAbstractButton::clicked, this, &CSpinButton::stepUp);
     connect(m_downButton, &QAbstractButton::clicked, this, &CSpinButton::stepDown);
     placeHalves();
-    sliderChange(SliderRangeChange);
+    enableHalves();
 }
 
 CSpinButton::~CSpinButton() = default;
@@ -98,9 +98,14 @@ void CSpinButton::sliderChange(SliderChange change)
 {
     BoundSlider::sliderChange(change);
     if (change == SliderRangeChange || change == SliderValueChange) {
-        m_upButton->setEnabled(value() < maximum());
-        m_downButton->setEnabled(value() > minimum());
+        enableHalves();
     }
+}
+
+void CSpinButton::enableHalves()
+{
+    m_upButton->setEnabled(value() < maximum());
+    m_downButton->setEnabled(value() > minimum());
 }
 
 void CSpinButton::resizeEvent(QResizeEvent *event)

@@ -50,6 +50,7 @@ private Q_SLOTS:
 private:
     COnOffButton *makeHalf(const QString &says);
     void placeHalves();
+    void enableHalves();
     // Shows a half pressed, for a tenth of a second.
     void showPressed(bool up);
 
