@@ -397,12 +397,14 @@ void TestEditorTemplate::theStoreFlashFadesOutAndIn()
         if (seen.isEmpty() || seen.constLast() != now) {
             seen.append(now);
         }
-        return seen.count(0) >= 2;
+        return seen.count(0) >= 3;
     };
     QTRY_VERIFY_WITH_TIMEOUT(look(), 10000);
-    // From one nothing to the next: in nine steps up, the full one, and nine steps down.
-    const auto first = seen.indexOf(0);
-    const QList<int> round = seen.mid(first, seen.lastIndexOf(0) - first + 1);
+    // From one nothing to the next: in nine steps up, the full one, and nine steps down. The first
+    // nothing is that of before the first step.
+    const auto last = seen.lastIndexOf(0);
+    const auto first = seen.lastIndexOf(0, last - 1);
+    const QList<int> round = seen.mid(first, last - first + 1);
     const int full = *std::max_element(round.cbegin(), round.cend());
     QVERIFY(full > 100);
     const auto top = round.indexOf(full);
@@ -413,7 +415,7 @@ void TestEditorTemplate::theStoreFlashFadesOutAndIn()
         for (const int grey : {23, 46, 69, 93, 116, 139, 162, 186, 209}) {
             known = known || step == full * grey / 255;
         }
-        QVERIFY2(known, qPrintable(QString::number(step)));
+        QVERIFY2(known, qPrintable(QStringLiteral("%1 of %2").arg(step).arg(full)));
     }
 }
 
