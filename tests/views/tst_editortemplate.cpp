@@ -3,7 +3,31 @@
 
 #include <QtWidgets/QStackedWidget>
 
+#include <functional>
+
 // What the template view shows of the memory, and its commands.
+// Calls back before the watched object hears of each of its timers.
+class BeforeTimers : public QObject
+{
+public:
+    explicit BeforeTimers(std::function<void()> call)
+        : m_call(std::move(call))
+    {
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Timer) {
+            m_call();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> m_call;
+};
+
 class TestEditorTemplate : public QObject
 {
     Q_OBJECT
@@ -391,15 +415,12 @@ void TestEditorTemplate::theStoreFlashFadesOutAndIn()
         }
         return most;
     };
+    // Between two steps, however long the machine takes for one.
     QList<int> seen;
-    const auto look = [&] {
-        const int now = opacity();
-        if (seen.isEmpty() || seen.constLast() != now) {
-            seen.append(now);
-        }
-        return seen.count(0) >= 3;
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(look(), 10000);
+    BeforeTimers look([&] { seen.append(opacity()); });
+    run.view->installEventFilter(&look);
+    QTRY_VERIFY_WITH_TIMEOUT(seen.count(0) >= 3, 20000);
+    run.view->removeEventFilter(&look);
     // From one nothing to the next: in nine steps up, the full one, and nine steps down. The first
     // nothing is that of before the first step.
     const auto last = seen.lastIndexOf(0);
@@ -407,16 +428,12 @@ void TestEditorTemplate::theStoreFlashFadesOutAndIn()
     const QList<int> round = seen.mid(first, last - first + 1);
     const int full = *std::max_element(round.cbegin(), round.cend());
     QVERIFY(full > 100);
-    const auto top = round.indexOf(full);
-    QVERIFY(std::is_sorted(round.cbegin(), round.cbegin() + top));
-    QVERIFY(std::is_sorted(round.cbegin() + top, round.cend(), std::greater<>()));
-    for (const int step : round) {
-        bool known = step == 0 || step == full;
-        for (const int grey : {23, 46, 69, 93, 116, 139, 162, 186, 209}) {
-            known = known || step == full * grey / 255;
-        }
-        QVERIFY2(known, qPrintable(QStringLiteral("%1 of %2").arg(step).arg(full)));
+    QList<int> expected = {0, full, 0};
+    for (const int grey : {209, 186, 162, 139, 116, 93, 69, 46, 23}) {
+        expected.insert(1, full * grey / 255);
+        expected.insert(expected.size() - 1, full * grey / 255);
     }
+    QCOMPARE(round, expected);
 }
 
 // --- Commands ------------------------------------------------------------------------------------
