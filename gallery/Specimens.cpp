@@ -33,6 +33,12 @@ QAction *entry(QMenu *menu, const QString &words, const QKeySequence &keys = {},
     return made;
 }
 
+void say(QWidget *widget, const QString &says)
+{
+    widget->setAccessibleName(says);
+    widget->setToolTip(says);
+}
+
 } // namespace
 
 namespace Specimens
@@ -50,8 +56,7 @@ COnOffButton *button(QWidget *parent, const QRect &place, const QString &imageNa
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
     made->setHasDownImage(false);
-    made->setAccessibleName(says);
-    made->setToolTip(says);
+    say(made, says);
     return made;
 }
 
@@ -62,7 +67,7 @@ CRadioButton *radio(QWidget *parent, const QRect &place, const QString &imageNam
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
     made->setHasDownImage(false);
-    made->setAccessibleName(says);
+    say(made, says);
     return made;
 }
 
@@ -72,7 +77,7 @@ CSpinButton *spin(QWidget *parent, const QRect &place, const QString &imageName,
     auto *made = new CSpinButton(parent);
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
-    made->setAccessibleName(says);
+    say(made, says);
     return made;
 }
 
@@ -113,11 +118,12 @@ CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace
     return made;
 }
 
-QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName)
+QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName, const QString &says)
 {
     auto *made = new QLabel(parent);
     made->setGeometry(place);
     made->setPixmap(image(imageName));
+    say(made, says);
     return made;
 }
 
