@@ -23,6 +23,7 @@ constexpr int ColumnWidth = 300;
 void column(QWidget *page, int x)
 {
     const QString cc = QStringLiteral("knobA1/ccNumber");
+    const QString ccNumber = QStringLiteral("CC number");
     const QString format = QStringLiteral("knobA1/displayFormat");
 
     caption(page, x, 60, QStringLiteral("Name of template 1: 13 characters"));
@@ -32,6 +33,7 @@ void column(QWidget *page, int x)
     name->setValidatorRegExp(QStringLiteral("[ -}]*"));
     name->setEndTrim(true);
     name->setNamedAddress(QStringLiteral("templateName"));
+    name->setAccessibleName(QStringLiteral("Template name"));
 
     caption(page, x, 120,
             QStringLiteral("CC number of knob A1: drag, turn the wheel, double-click"));
@@ -40,7 +42,9 @@ void column(QWidget *page, int x)
     slider->setAlignment(Qt::AlignCenter);
     slider->setDirectEdit(true);
     slider->setNamedAddress(cc);
-    spin(page, {x + 50, 136, 19, 18}, QStringLiteral("vd_nsw_inc_dec_s"), cc)->setNamedAddress(cc);
+    slider->setAccessibleName(ccNumber);
+    spin(page, {x + 50, 136, 19, 18}, QStringLiteral("vd_nsw_inc_dec_s"), ccNumber)
+        ->setNamedAddress(cc);
 
     caption(page, x, 180, QStringLiteral("The same number as a percentage"));
     auto *percent = new CTextSlider(page);
@@ -49,20 +53,22 @@ void column(QWidget *page, int x)
     percent->setMultiplier(100.0 / 127.0);
     percent->setDirectEdit(true);
     percent->setNamedAddress(cc);
+    percent->setAccessibleName(QStringLiteral("CC number as a percentage"));
 
     caption(page, x, 240, QStringLiteral("Display format of knob A1"));
     auto *group = new QWidget(page);
     group->setGeometry({x, 258, 120, 18});
     for (int value = 0; value < 2; ++value) {
         CRadioButton *choice =
-            radio(group, {value * 36, 0, 19, 18}, QStringLiteral("trn_tsw_radiobtn"), format);
+            radio(group, {value * 36, 0, 19, 18}, QStringLiteral("trn_tsw_radiobtn"),
+                  value == 0 ? QStringLiteral("0 to 127") : QStringLiteral("-64 to +63"));
         choice->setOnValue(value);
         choice->setNamedAddress(format);
     }
 
     caption(page, x, 300, QStringLiteral("The same, as one switch"));
-    COnOffButton *flag =
-        button(page, {x, 318, 15, 15}, QStringLiteral("vd_nsw_window_front"), format);
+    COnOffButton *flag = button(page, {x, 318, 15, 15}, QStringLiteral("vd_nsw_window_front"),
+                                QStringLiteral("-64 to +63"));
     flag->setCheckable(true);
     flag->setNamedAddress(format);
 
@@ -73,6 +79,7 @@ void column(QWidget *page, int x)
     auto *number = new CTextSlider(page);
     number->setGeometry({x + 26, 380, 44, 15});
     number->setOffset(1);
+    number->setAccessibleName(QStringLiteral("Template number"));
     number->setNamedAddress(QStringLiteral("currentTemplateNumber"));
 }
 

@@ -19,22 +19,33 @@ namespace
 struct Kind
 {
     const char *image;
+    const char *says;
     int width;
     int height;
     int categories;
 };
 
 constexpr Kind Buttons[] = {
-    {"vd_nsw_window", 15, 15, 1},       {"vd_nsw_window_small", 15, 15, 1},
-    {"vd_nsw_window_front", 15, 15, 1}, {"t27r_tsw_size", 19, 10, 2},
-    {"t27r_nsw_store", 46, 14, 1},      {"vd_tsw_lib_open", 46, 14, 1},
-    {"t27r_nsw_lib_import", 46, 14, 1}, {"t27r_nsw_ok_2", 46, 14, 1},
-    {"t27r_nsw_cancel_2", 46, 14, 1},   {"t27r_nsw_file", 19, 19, 1},
-    {"vd_nsw_popup", 19, 18, 1},        {"vd_nsw_popup_s", 19, 19, 1},
-    {"vd_nsw_pulldown", 265, 18, 1},    {"vd_nsw_close", 15, 15, 1},
-    {"vd_nsw_yes", 51, 15, 1},          {"vd_nsw_no", 51, 15, 1},
-    {"vd_nsw_ok", 51, 15, 1},           {"vd_nsw_cancel", 51, 15, 1},
-    {"vd_nsw_start", 51, 15, 1},        {"vd_nsw_retry", 51, 15, 1},
+    {"vd_nsw_window", "Close", 15, 15, 1},
+    {"vd_nsw_window_small", "Minimize", 15, 15, 1},
+    {"vd_nsw_window_front", "Stay on top", 15, 15, 1},
+    {"t27r_tsw_size", "Window size", 19, 10, 2},
+    {"t27r_nsw_store", "Store", 46, 14, 1},
+    {"vd_tsw_lib_open", "Library", 46, 14, 1},
+    {"t27r_nsw_lib_import", "Import", 46, 14, 1},
+    {"t27r_nsw_ok_2", "OK", 46, 14, 1},
+    {"t27r_nsw_cancel_2", "Cancel", 46, 14, 1},
+    {"t27r_nsw_file", "Open a file", 19, 19, 1},
+    {"vd_nsw_popup", "Choose from a list", 19, 18, 1},
+    {"vd_nsw_popup_s", "Choose from a list", 19, 19, 1},
+    {"vd_nsw_pulldown", "Choose from a list", 265, 18, 1},
+    {"vd_nsw_close", "Close", 15, 15, 1},
+    {"vd_nsw_yes", "Yes", 51, 15, 1},
+    {"vd_nsw_no", "No", 51, 15, 1},
+    {"vd_nsw_ok", "OK", 51, 15, 1},
+    {"vd_nsw_cancel", "Cancel", 51, 15, 1},
+    {"vd_nsw_start", "Start", 51, 15, 1},
+    {"vd_nsw_retry", "Retry", 51, 15, 1},
 };
 
 constexpr int RowHeight = 26;
@@ -70,20 +81,21 @@ QWidget *Pages::controlsPage()
     int y = FirstRow;
     for (const Kind &kind : Buttons) {
         const QString name = QString::fromLatin1(kind.image);
+        const QString says = QString::fromLatin1(kind.says);
         caption(made, NameX, y, name, 150);
         for (int category = 0; category < kind.categories; ++category) {
             const int width = std::min(kind.width, 70);
             const int shift = category * 30;
             for (const bool on : {false, true}) {
                 COnOffButton *shown =
-                    button(made, {(on ? OnX : OffX) + shift, y, width, kind.height}, name);
+                    button(made, {(on ? OnX : OffX) + shift, y, width, kind.height}, name, says);
                 shown->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
                 shown->setImageCategories(kind.categories);
                 shown->setCategory(category);
                 freeze(shown, on);
             }
             COnOffButton *live =
-                button(made, {LiveX + shift, y, kind.width, kind.height}, name, name);
+                button(made, {LiveX + shift, y, kind.width, kind.height}, name, says);
             live->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
             live->setImageCategories(kind.categories);
             live->setCategory(category);
@@ -97,7 +109,8 @@ QWidget *Pages::controlsPage()
         auto *group = new QWidget(made);
         group->setGeometry({OtherX, y, 120, 18});
         for (int i = 0; i < 3; ++i) {
-            radio(group, {i * 36, 0, 19, 18}, name, name)->setChecked(i == 1);
+            radio(group, {i * 36, 0, 19, 18}, name, QStringLiteral("Choice %1").arg(i + 1))
+                ->setChecked(i == 1);
         }
         caption(made, OtherX + 120, y, name, 140);
         y += RowHeight;
@@ -106,7 +119,8 @@ QWidget *Pages::controlsPage()
         const QString name = QString::fromLatin1(image);
         for (const int value : {50, 0, 100}) {
             const int at = value == 50 ? 0 : value == 0 ? 36 : 72;
-            CSpinButton *shown = spin(made, {OtherX + at, y, 19, 19}, name, name);
+            CSpinButton *shown =
+                spin(made, {OtherX + at, y, 19, 19}, name, QStringLiteral("Number"));
             shown->setRange(0, 100);
             shown->setValue(value);
         }

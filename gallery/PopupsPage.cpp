@@ -12,7 +12,6 @@
 #include "widgets/CText.h"
 #include "widgets/FontHelpers.h"
 
-#include <QtCore/QPointer>
 #include <QtGui/QAction>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
@@ -120,7 +119,6 @@ QWidget *Pages::popupsPage()
     caption(made, 140, 20, QStringLiteral("the program's menus"));
 
     CText *chosen = caption(made, 60, 160, QStringLiteral("nothing chosen yet"));
-    const QPointer<QWidget> page(made);
     const auto below = [](QWidget *widget) {
         return QRect(widget->mapToGlobal(QPoint(0, 0)), widget->size());
     };
@@ -151,6 +149,7 @@ QWidget *Pages::popupsPage()
     auto *edit = new QLineEdit(QStringLiteral("A line of text"), made);
     edit->setGeometry({20, 220, 160, 16});
     edit->setFrame(false);
+    edit->setAccessibleName(QStringLiteral("Line of text"));
     adjustFont(made);
     return made;
 }

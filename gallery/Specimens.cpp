@@ -33,12 +33,6 @@ QAction *entry(QMenu *menu, const QString &words, const QKeySequence &keys = {},
     return made;
 }
 
-void say(QWidget *widget, const QString &says)
-{
-    widget->setAccessibleName(says);
-    widget->setToolTip(says);
-}
-
 } // namespace
 
 namespace Specimens
@@ -47,6 +41,12 @@ namespace Specimens
 QPixmap image(const QString &name)
 {
     return artwork(QStringLiteral(":/images/%1.png").arg(name), qApp->devicePixelRatio());
+}
+
+void say(QWidget *widget, const QString &says)
+{
+    widget->setAccessibleName(says);
+    widget->setToolTip(says);
 }
 
 COnOffButton *button(QWidget *parent, const QRect &place, const QString &imageName,
