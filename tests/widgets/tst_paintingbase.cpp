@@ -4,6 +4,7 @@
 #include "widgets/CombinedImage.h"
 #include "widgets/DoubleBuffer.h"
 #include "widgets/FlashFrame.h"
+#include "widgets/FontHelpers.h"
 
 #include "widgets/BoundHarness.h"
 
@@ -108,6 +109,8 @@ private Q_SLOTS:
     // Texts.
     void aTextHasItsDefaults();
     void aTextTakesItsPropertiesByName();
+    void aTextSaysWhatItShows();
+    void aTextGivenANameKeepsIt();
     void aTextIsDrawnInTheTextColourOfTheCurrentGroup();
     void aTextStandsWhereItsAlignmentSays_data();
     void aTextStandsWhereItsAlignmentSays();
@@ -384,6 +387,30 @@ void TestPaintingBase::aTextTakesItsPropertiesByName()
     QVERIFY(text.setProperty("alignment", QVariant::fromValue(Qt::Alignment(Qt::AlignRight))));
     QCOMPARE(text.property("text").toString(), QStringLiteral("Cutoff"));
     QCOMPARE(text.property("alignment").value<Qt::Alignment>(), Qt::Alignment(Qt::AlignRight));
+}
+
+void TestPaintingBase::aTextSaysWhatItShows()
+{
+    CText text;
+    QCOMPARE(text.accessibleName(), QString());
+    text.setText(QStringLiteral("CC074"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("CC074"));
+    // The label is an ellipsis in the program's own fonts, and a letter to everyone else.
+    text.setText(QStringLiteral("Resona") + TrimLabel);
+    QCOMPARE(text.accessibleName(), QStringLiteral("Resona\u2026"));
+    text.setText(QStringLiteral("Cutoff"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("Cutoff"));
+    text.setText({});
+    QCOMPARE(text.accessibleName(), QString());
+}
+
+void TestPaintingBase::aTextGivenANameKeepsIt()
+{
+    CText text;
+    text.setText(QStringLiteral("74"));
+    text.setAccessibleName(QStringLiteral("CC number"));
+    text.setText(QStringLiteral("75"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("CC number"));
 }
 
 void TestPaintingBase::aTextIsDrawnInTheTextColourOfTheCurrentGroup()
