@@ -123,6 +123,7 @@ private Q_SLOTS:
     void aFlashWithAnInvalidRectangleGoesAroundTheWholeParent();
     void aFlashOutlinesItsRectangleForHalfASecond();
     void aClickKeepsTheFlashUnseenUntilTheButtonIsReleased();
+    void aButtonHeldElsewhereKeepsNoFlash();
     void aFlashWithoutAnAreaDoesNothing();
     void aFlashGoesWithItsParent();
 
@@ -585,6 +586,24 @@ void TestPaintingBase::aClickKeepsTheFlashUnseenUntilTheButtonIsReleased()
     QVERIFY(flash->isVisible());
     input.releaseLeft();
     QTRY_VERIFY(flash.isNull());
+}
+
+void TestPaintingBase::aButtonHeldElsewhereKeepsNoFlash()
+{
+    ControlWindow window;
+    auto *parent = window.add<CFrame>({20, 20, 80, 50});
+    window.open();
+    RealInput input;
+    input.moveTo(window.mapToGlobal(QPoint(150, 120)));
+    input.pressLeft();
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::LeftButton);
+    FlashFrame::start(parent, 5, 6, 30, 20);
+    const QPointer<FlashFrame> flash = parent->findChild<FlashFrame *>();
+    QVERIFY(flash);
+    QTRY_VERIFY(flash.isNull());
+    QCOMPARE(QGuiApplication::mouseButtons(), Qt::LeftButton);
+    input.releaseLeft();
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::NoButton);
 }
 
 void TestPaintingBase::aFlashWithoutAnAreaDoesNothing()
