@@ -146,8 +146,10 @@ QWidget *Pages::popupsPage()
     });
 
     caption(made, 20, 200, QStringLiteral("line edit of the style"));
+    const QRect place(23, 220, 160, 14);
+    field(made, place);
     auto *edit = new QLineEdit(QStringLiteral("A line of text"), made);
-    edit->setGeometry({20, 220, 160, 16});
+    edit->setGeometry(place);
     edit->setFrame(false);
     edit->setAccessibleName(QStringLiteral("Line of text"));
     adjustFont(made);

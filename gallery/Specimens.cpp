@@ -13,6 +13,7 @@
 #include "widgets/CText.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
@@ -98,6 +99,32 @@ CFrame *frame(QWidget *parent, const QRect &place, const QString &imageName)
         made->setBackgroundPixmap(image(imageName));
     }
     return made;
+}
+
+void field(QWidget *parent, const QRect &editor)
+{
+    // Where the view's background has one: for a line of 14, and for one of 15 pixels.
+    constexpr QRect Lower(115, 26, 141, 16);
+    constexpr QRect Higher(51, 305, 149, 17);
+    constexpr int Edge = 5;
+    const QRect from = editor.height() < 15 ? Lower : Higher;
+    const QSize size(editor.width() + 6, from.height());
+    const QPixmap view = image(QStringLiteral("trn_bak_main"));
+    const qreal ratio = view.devicePixelRatio();
+    QPixmap well(size * ratio);
+    well.setDevicePixelRatio(ratio);
+    QPainter painter(&well);
+    const auto draw = [&](const QRectF &to, const QRectF &source) {
+        painter.drawPixmap(to, view, QRectF(source.topLeft() * ratio, source.size() * ratio));
+    };
+    const int height = from.height();
+    draw(QRectF(0, 0, Edge, height), QRectF(from.left(), from.top(), Edge, height));
+    draw(QRectF(Edge, 0, size.width() - 2 * Edge, height),
+         QRectF(from.left() + Edge, from.top(), 1, height));
+    draw(QRectF(size.width() - Edge, 0, Edge, height),
+         QRectF(from.right() + 1 - Edge, from.top(), Edge, height));
+    painter.end();
+    frame(parent, {editor.topLeft() - QPoint(3, 1), size}, {})->setBackgroundPixmap(well);
 }
 
 CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace)

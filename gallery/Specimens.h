@@ -38,6 +38,9 @@ CSpinButton *spin(QWidget *parent, const QRect &place, const QString &imageName,
 CText *text(QWidget *parent, const QRect &place, const QString &words,
             Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
 CFrame *frame(QWidget *parent, const QRect &place, const QString &imageName = {});
+// The well that an editor lies in, as the backgrounds of the views have it. Make it before the
+// editor.
+void field(QWidget *parent, const QRect &editor);
 // A list with the looks of the library, driven by the scroll bar that is made beside it.
 CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace);
 
