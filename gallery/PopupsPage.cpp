@@ -13,6 +13,7 @@
 #include "widgets/FontHelpers.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QPainter>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
@@ -27,6 +28,21 @@ QFont smallFont()
     font.setPixelSize(8);
     font.setStyleHint(QFont::AnyStyle, QFont::NoAntialias);
     return font;
+}
+
+// Of the full size of an icon: a smaller one is drawn larger, the more pixels the screen has.
+QPixmap lampIcon()
+{
+    constexpr int Size = 16;
+    const QPixmap lamp = image(QStringLiteral("t27r_led_edit_f"));
+    const qreal ratio = lamp.devicePixelRatio();
+    QPixmap made(QSize(Size, Size) * ratio);
+    made.setDevicePixelRatio(ratio);
+    made.fill(Qt::transparent);
+    QPainter painter(&made);
+    const int corner = (Size - qRound(lamp.deviceIndependentSize().width())) / 2;
+    painter.drawPixmap(corner, corner, lamp);
+    return made;
 }
 
 QTreeWidgetItem *folder(QTreeWidgetItem *parent, const QString &name, const QStringList &leaves)
@@ -96,7 +112,7 @@ QMenu *Pages::menu(QWidget *parent)
     off->setChecked(true);
     off->setEnabled(false);
     made->addSeparator();
-    made->addAction(image(QStringLiteral("t27r_led_edit_f")), QStringLiteral("With an &icon"));
+    made->addAction(lampIcon(), QStringLiteral("With an &icon"));
     QAction *plain = made->addAction(QStringLiteral("&Default"));
     made->setDefaultAction(plain);
     QAction *key = made->addAction(QStringLiteral("With a &key"));
