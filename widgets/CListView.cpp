@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CListView.h"
 
+#include "images/Artwork.h"
 #include "widgets/FontHelpers.h"
 
 #include <QtCore/QCoreApplication>
@@ -520,8 +521,9 @@ int CListView::paintIcon(QPainter *painter, const QPixmap &icon, const QRect &ce
         const QRect part(QPoint(0, (size.height() - shown.height()) / 2), shown);
         const QRect place(cell.left(), cell.top() + (cell.height() - shown.height()) / 2,
                           shown.width(), shown.height());
-        const qreal ratio = icon.devicePixelRatio();
-        painter->drawPixmap(QRectF(place), icon,
+        const QPixmap picture = artworkFor(icon, painter->device()->devicePixelRatioF());
+        const qreal ratio = picture.devicePixelRatio();
+        painter->drawPixmap(QRectF(place), picture,
                             QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
     }
     return size.width() + m_iconMarginWidth;
