@@ -141,6 +141,13 @@ void TUniMIDIPortAccessor::updateDirection(int direction)
         }
         ports.insert(QUuid(id), encodedPort);
     }
-    settings.setValue(keys.names, names);
-    settings.setValue(keys.ids, ids);
+    // Every write replaces the file and waits for the disk, on the GUI thread, each time that a
+    // list of ports is shown; as a rule nothing has changed.
+    const auto store = [&settings](const QString &key, const QStringList &value) {
+        if (!settings.contains(key) || settings.value(key).toStringList() != value) {
+            settings.setValue(key, value);
+        }
+    };
+    store(keys.names, names);
+    store(keys.ids, ids);
 }

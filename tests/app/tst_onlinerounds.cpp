@@ -16,11 +16,19 @@ namespace
 
 const QString DeviceName = QStringLiteral("Corvan TARN/TERN");
 constexpr int WaitMs = 30000;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// A sanitizer looks for leaks itself, keeps what was freed, and takes its time.
+constexpr bool MeasuresMemory = false;
+constexpr int Rounds = 400;
+#else
+constexpr bool MeasuresMemory = true;
+constexpr int Rounds = 2500; // half a minute; TRN_ONLINE_ROUNDS in the environment for more
+#endif
 // The first rounds fill what is kept: fonts, pictures, the heap's own spare room.
 constexpr int WarmUpRounds = 300;
 // What the heap may hold on to more at the end than behind the first rounds. One round's panel
 // alone, left behind each time, would be many times as much.
-constexpr qint64 MostGrowthKiB = 3072;
+constexpr qint64 MostGrowthKiB = 1024;
 
 qint64 residentKiB()
 {
@@ -73,7 +81,7 @@ private Q_SLOTS:
         m_loopback.reset();
     }
 
-    void tenThousandRounds();
+    void thousandsOfRounds();
     void roundsOfSilence();
     void roundsOfTheCable();
 
@@ -89,13 +97,14 @@ private:
 
 // The word of the port is given by hand, so that nobody waits for a sensing. The first round
 // fetches the instrument's memory, each later one sends the edit buffer.
-void TestOnlineRounds::tenThousandRounds()
+void TestOnlineRounds::thousandsOfRounds()
 {
-    constexpr int Rounds = 10000;
+    const int wanted = qEnvironmentVariableIntValue("TRN_ONLINE_ROUNDS");
+    const int rounds = wanted > WarmUpRounds ? wanted : Rounds;
     QVERIFY(m_rig->openWindow(DeviceName));
     std::array<qsizetype, 3> before{};
     qint64 residentBefore = 0;
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         m_rig->api->setONLINEstate(0);
         m_rig->setFlag(ParamAddress::FileEditFlag, 0);
         m_rig->api->emitPortActivatedSignal();
@@ -115,23 +124,24 @@ void TestOnlineRounds::tenThousandRounds()
     QVERIFY(isOnlineAndFree());
     QVERIFY(m_rig->onlineLamp()->isVisible());
     QCOMPARE(m_loopback->instrument.counters().bulkRequests, 100);
-    QCOMPARE(m_loopback->instrument.counters().footers, (Rounds - 1) * 50);
+    QCOMPARE(m_loopback->instrument.counters().footers, (rounds - 1) * 50);
     QCOMPARE(heldThings(*m_rig->window), before);
     const qint64 growth = residentKiB() - residentBefore;
-    QVERIFY2(residentBefore > 0 && growth < MostGrowthKiB, qPrintable(QString::number(growth)));
+    QVERIFY2(!MeasuresMemory || (residentBefore > 0 && growth < MostGrowthKiB),
+             qPrintable(QString::number(growth)));
 }
 
 // The instrument falls silent and speaks again.
 void TestOnlineRounds::roundsOfSilence()
 {
-    constexpr int Rounds = 12;
+    constexpr int Cycles = 12;
     // More than twice the time between two words of the instrument.
     timings().connectionWatcherPeriodMs = 800;
     m_loopback->instrument.start();
     QVERIFY(m_rig->openWindow(DeviceName));
     QTRY_VERIFY_WITH_TIMEOUT(isOnlineAndFree(), WaitMs);
     const auto before = heldThings(*m_rig->window);
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 0; round < Cycles; ++round) {
         m_loopback->instrument.fallSilent();
         QTRY_VERIFY_WITH_TIMEOUT(!m_rig->api->isONLINE(), WaitMs);
         QTRY_VERIFY(!m_rig->onlineLamp()->isVisible());
@@ -146,13 +156,13 @@ void TestOnlineRounds::roundsOfSilence()
 // The instrument is pulled out and plugged in.
 void TestOnlineRounds::roundsOfTheCable()
 {
-    constexpr int Rounds = 6;
+    constexpr int Cycles = 6;
     timings().connectionWatcherPeriodMs = 800;
     m_loopback->instrument.start();
     QVERIFY(m_rig->openWindow(DeviceName));
     QTRY_VERIFY_WITH_TIMEOUT(isOnlineAndFree(), WaitMs);
     const auto before = heldThings(*m_rig->window);
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 0; round < Cycles; ++round) {
         m_loopback.reset();
         QTRY_VERIFY_WITH_TIMEOUT(!m_rig->api->isONLINE(), WaitMs);
         m_loopback = std::make_unique<LoopbackInstrument>();
