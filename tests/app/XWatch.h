@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QtCore/QPoint>
 #include <QtCore/QString>
 
 #include <xcb/xcb.h>
@@ -55,6 +56,15 @@ public:
         const Reply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
             m_connection, xcb_get_window_attributes(m_connection, m_window), nullptr));
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+    // Of its upper left corner on the screen. A program believes that it is where it has asked to
+    // be until it is told otherwise; this is where it is.
+    QPoint position() const
+    {
+        const auto root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+        const Reply<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, m_window, root, 0, 0), nullptr));
+        return reply ? QPoint(reply->dst_x, reply->dst_y) : QPoint();
     }
     // How often the window was hidden or shown since the last call, however shortly.
     int takeMappings() const
