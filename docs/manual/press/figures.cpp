@@ -18,9 +18,12 @@
 #include <QtGui/QPainter>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPushButton>
 
 #include <cstdio>
 #include <functional>
@@ -399,8 +402,13 @@ private:
                 auto *dialog = qobject_cast<QFileDialog *>(top);
                 if (dialog != nullptr && dialog->isVisible()) {
                     poll.stop();
-                    dialog->selectFile(m_bank);
-                    QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
+                    auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+                    auto *buttons = dialog->findChild<QDialogButtonBox *>();
+                    if (name == nullptr || buttons == nullptr) {
+                        giveUp(QStringLiteral("the file dialog is another one"));
+                    }
+                    name->setText(m_bank);
+                    buttons->button(QDialogButtonBox::Open)->click();
                 }
             }
         });
@@ -409,7 +417,7 @@ private:
         poll.stop();
         settle();
         const QRect list = place("listTemplate");
-        save(withCallouts(window(), {{place("btnFileOpen"), Side::Left},
+        save(withCallouts(window(), {{place("btnFileOpen"), Side::Top},
                                      {place("listImport"), Side::Left},
                                      {place("btnImport"), Side::Top},
                                      {list, Side::Right},
