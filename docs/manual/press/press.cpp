@@ -40,6 +40,11 @@ constexpr qreal TopMarginMm = 26;
 constexpr qreal BottomMarginMm = 24;
 
 constexpr int MaximumRounds = 200;
+// A chapter begins a new page if at least this much of the last one is filled.
+constexpr qreal ChapterFilled = 0.5;
+constexpr qreal ChapterGapPx = 44;
+// A paragraph of at most so many lines is not parted.
+constexpr int WholeLines = 4;
 // A page is broken early only if at least this much of it is filled.
 constexpr qreal LeastFilled = 0.4;
 
@@ -52,6 +57,7 @@ const QColor Faint(0x77, 0x77, 0x77);
 const QColor Rule(0xc4, 0xc4, 0xc4);
 const QColor Strip(0x37, 0x37, 0x37);
 const QColor Display(0xbf, 0xcc, 0xbf);
+const QColor Note(0xe9, 0xee, 0xe8);
 const QColor Accent(0x9a, 0x34, 0x12);
 
 qreal px(qreal pixels)
@@ -69,6 +75,7 @@ struct Heading
     QString text;
     int level = 1;
     int page = 0; // of the document, from 0
+    bool atTop = false;
 };
 
 QFont fontOf(const QString &family, qreal points, bool bold = false)
@@ -194,18 +201,15 @@ private:
         m_document->setHtml(QStringLiteral("<body>%1%2</body>").arg(contentsHtml, m_html));
         m_document->setPageSize(m_text.size());
         dressTables();
-        bool firstChapter = true;
-        for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next()) {
-            if (block.blockFormat().headingLevel() == 1) {
-                if (!firstChapter) {
-                    breakBefore(block);
-                }
-                firstChapter = false;
-            }
-        }
+        m_placedChapters = 1; // the contents
+        relayout();
         for (int round = 0; round < MaximumRounds && mendOneBreak(); ++round) {
+            relayout();
         }
     }
+
+    // A change of a format lays out what it touches, and may leave blocks behind it without lines.
+    void relayout() { m_document->markContentsDirty(0, m_document->characterCount()); }
 
     void dressTables()
     {
@@ -215,6 +219,7 @@ private:
                 continue;
             }
             const bool isContents = table == m_document->rootFrame()->childFrames().constFirst();
+            const bool isNote = table->rows() * table->columns() == 1;
             QTextTableFormat format = table->format();
             format.setBorder(0);
             format.setBorderCollapse(true);
@@ -223,6 +228,18 @@ private:
             format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
             format.setTopMargin(isContents ? 0 : 4);
             format.setBottomMargin(12);
+            if (isNote) {
+                format.setCellPadding(8);
+                table->setFormat(format);
+                QTextTableCell cell = table->cellAt(0, 0);
+                QTextTableCellFormat cellFormat = cell.format().toTableCellFormat();
+                cellFormat.setBackground(Note);
+                cellFormat.setLeftBorder(3);
+                cellFormat.setLeftBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+                cellFormat.setLeftBorderBrush(Accent);
+                cell.setFormat(cellFormat);
+                continue;
+            }
             if (!isContents) {
                 format.setHeaderRowCount(1);
             }
@@ -320,10 +337,27 @@ private:
         return true;
     }
 
-    // Looks from the front for the first thing that is parted and can be helped.
+    void placeChapter(const QTextBlock &block)
+    {
+        const qreal top = rectOf(block).top();
+        const bool contentsAbove = m_placedChapters == 1;
+        ++m_placedChapters;
+        if (contentsAbove ||
+            top - pageAt(top) * m_text.height() > ChapterFilled * m_text.height()) {
+            breakBefore(block);
+            return;
+        }
+        QTextBlockFormat format = block.blockFormat();
+        format.setTopMargin(ChapterGapPx);
+        QTextCursor(block).setBlockFormat(format);
+    }
+
+    // Looks from the front for the first thing that is parted and can be helped, or the first
+    // chapter that has no place yet.
     bool mendOneBreak()
     {
         QTextTable *last = nullptr;
+        int chapters = 0;
         for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next()) {
             if (QTextTable *table = tableOf(block)) {
                 if (table == last) {
@@ -336,6 +370,15 @@ private:
                     return true;
                 }
                 continue;
+            }
+            if (block.blockFormat().headingLevel() == 1 && ++chapters > m_placedChapters) {
+                placeChapter(block);
+                return true;
+            }
+            const QRectF own = rectOf(block);
+            if (block.layout()->lineCount() <= WholeLines &&
+                pageAt(own.top()) != pageAt(own.bottom() - px(10)) && pushed(block)) {
+                return true;
             }
             const QTextBlock next = block.next();
             if (!clings(block) || !next.isValid()) {
@@ -360,7 +403,10 @@ private:
         for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next()) {
             const int level = block.blockFormat().headingLevel();
             if (level == 1 || level == 2) {
-                found.append({plain(block.text()), level, pageAt(rectOf(block).top() + px(2))});
+                const qreal top = rectOf(block).top();
+                const int page = pageAt(top + px(2));
+                found.append({plain(block.text()), level, page,
+                              top - page * m_text.height() < px(ChapterGapPx)});
             }
         }
         found.removeFirst(); // the contents themselves
@@ -402,7 +448,10 @@ private:
         QString chapter = QStringLiteral("Contents");
         bool opens = page == 0;
         for (const Heading &heading : m_headings) {
-            if (heading.level == 1 && heading.page <= page) {
+            if (heading.level != 1 || heading.page > page) {
+                continue;
+            }
+            if (heading.page < page || heading.atTop) {
                 chapter = heading.text;
                 opens = heading.page == page;
             }
@@ -429,6 +478,7 @@ private:
     QString m_html;
     QString m_css;
     QList<Heading> m_headings;
+    int m_placedChapters = 0;
     std::unique_ptr<QTextDocument> m_document;
 };
 
