@@ -4,6 +4,7 @@
 #include "app/EditorMainWindow.h"
 #include "app/Folders.h"
 #include "fonts/ApplicationFonts.h"
+#include "images/Artwork.h"
 #include "instrument/InstrumentFile.h"
 #include "instrument/LoopbackCable.h"
 #include "instrument/VirtualInstrument.h"
@@ -20,6 +21,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
@@ -47,6 +49,7 @@ constexpr int DiscPitchPx = 17;
 constexpr int LabelWidthPx = -46;
 // The panels over the window, all of one size.
 const QRect PanelPlace(75, 120, 320, 228);
+const QRect ListPlace(0, 133, 170, 144);
 const QColor InkColor(0x9a, 0x34, 0x12);
 
 enum class Side { Left, Right, Top, Bottom };
@@ -154,7 +157,15 @@ private:
         }
     }
 
-    QImage window() const { return m_window->grab().toImage(); }
+    // The Store button blinks; the pictures have it lit, so that they are the same each time.
+    QImage window() const
+    {
+        const QLabel *flash = widget<QLabel>("lblStoreFlash");
+        const QImage lit = artwork(":/images/t27r_btn_back_store.png").toImage();
+        waitFor(QStringLiteral("the Store button to light up"),
+                [flash, &lit] { return !flash->isVisible() || flash->pixmap().toImage() == lit; });
+        return m_window->grab().toImage();
+    }
 
     static QImage part(const QImage &image, const QRect &rect)
     {
@@ -325,10 +336,9 @@ private:
 
     void popups()
     {
-        const QImage list = popupOf(widget<QAbstractButton>("btnCCNumberAndDisplayName"));
-        save(list, "popup-cc");
-        const QImage names = popupOf(widget<QAbstractButton>("btnTemplate"));
-        save(names, "popup-template");
+        // The part of the list that has the chosen number and names around it.
+        save(part(popupOf(widget<QAbstractButton>("btnCCNumberAndDisplayName")), ListPlace),
+             "popup-cc");
     }
 
     void menus()
@@ -389,7 +399,6 @@ private:
                   panel([this] { m_window->editResetFactory(); }, "btnCancel")},
                  12),
              "panel-resets");
-        save(panel([this] { m_window->portNotFound(); }, "btnOK"), "panel-noport");
     }
 
     void library()

@@ -138,6 +138,8 @@ public:
         m_headings = headings();
 
         QPainter painter(m_writer);
+        // The pictures are made of single pixels, which JPEG would smear.
+        painter.setRenderHint(QPainter::LosslessImageRendering);
         titlePage(&painter);
         for (int page = 0; page < m_document->pageCount(); ++page) {
             m_writer->newPage();
@@ -282,9 +284,12 @@ private:
         return (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore) != 0;
     }
 
+    // One, or several in a row.
     static bool isPicture(const QTextBlock &block)
     {
-        return block.text() == QString(QChar::ObjectReplacementCharacter);
+        const QString text = block.text().trimmed();
+        return text.startsWith(QChar::ObjectReplacementCharacter) &&
+               text.endsWith(QChar::ObjectReplacementCharacter);
     }
 
     // What must not be the last on a page.
