@@ -41,7 +41,7 @@ constexpr qreal BottomMarginMm = 24;
 
 constexpr int MaximumRounds = 200;
 // A chapter begins a new page if at least this much of the last one is filled.
-constexpr qreal ChapterFilled = 0.5;
+constexpr qreal ChapterFilled = 0.42;
 constexpr qreal ChapterGapPx = 44;
 // A paragraph of at most so many lines is not parted.
 constexpr int WholeLines = 4;
