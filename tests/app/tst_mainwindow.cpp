@@ -413,9 +413,12 @@ void TestMainWindow::atTheBoxOfAMissingPresetTheStepsBeforeAreDoneAndThoseBehind
         QVERIFY(seen->windowFlags() & Qt::FramelessWindowHint);
         QCOMPARE(seen->windowTitle(), EditorName);
         QVERIFY(seen->findChild<QMenuBar *>() != nullptr);
-        QCOMPARE(seen->findChild<QStackedWidget *>(QStringLiteral("viewMainStack"))->count(), 2);
-        QCOMPARE(seen->findChild<COnOffButton *>(QStringLiteral("btnWindowContract"))->category(),
-                 1);
+        const auto *views = seen->findChild<QStackedWidget *>(QStringLiteral("viewMainStack"));
+        QVERIFY(views != nullptr);
+        QCOMPARE(views->count(), 2);
+        const auto *size = seen->findChild<COnOffButton *>(QStringLiteral("btnWindowContract"));
+        QVERIFY(size != nullptr);
+        QCOMPARE(size->category(), 1);
         QCOMPARE(m_rig->api->getQuantityOfBank(), 9);
         // Behind it
         QVERIFY(!getAppDataDirectory().exists());

@@ -51,7 +51,7 @@ public:
     }
 
     // Types the name as a user does and presses the button of the dialog.
-    void expectFileDialog(const QString &path, std::function<void(QFileDialog *)> look = {})
+    void expectFileDialog(const QString &path, const std::function<void(QFileDialog *)> &look = {})
     {
         expect<QFileDialog>([path, look](QFileDialog *dialog) {
             if (look) {

@@ -132,7 +132,7 @@ public:
             other.setParam(ParamAddress(Bank::Stored, number, ParamAddress::TemplateName, -1),
                            name(letter, number));
         }
-        const QString path = folder.filePath(fileName);
+        QString path = folder.filePath(fileName);
         QFile file(path);
         QString error;
         EditorFile::save(&other, Bank::Stored, &file, &error);

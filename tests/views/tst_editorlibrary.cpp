@@ -47,7 +47,7 @@ void damagedRows()
     const auto changed = [&good](const char *from, const char *to) {
         QByteArray text = good;
         const qsizetype at = text.indexOf(from);
-        return text.replace(at, qstrlen(from), to);
+        return text.replace(at, static_cast<qsizetype>(qstrlen(from)), to);
     };
     const auto without = [&good](const QByteArray &from, const QByteArray &to) {
         const qsizetype at = good.indexOf(from);

@@ -7,6 +7,7 @@
 #include <QtGui/QClipboard>
 #include <QtGui/QDrag>
 #include <QtWidgets/QMenu>
+#include <QtXml/QDomDocument>
 
 // Knobs of the template view that are dragged, copied and pasted.
 
