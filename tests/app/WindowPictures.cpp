@@ -170,12 +170,10 @@ private:
     }
     void take(const char *name, QWidget *widget = nullptr)
     {
-        if (widget == nullptr && m_rig.anyPanel() == nullptr) {
-            // Whichever key the window gave the focus to when the server made it active.
-            m_rig.window->setFocus(Qt::OtherFocusReason);
-        }
         // What stands on queued updates is shown before it is taken.
         QCoreApplication::sendPostedEvents();
+        // Its light comes and goes by the clock.
+        m_rig.inWindow<QLabel>("lblStoreFlash")->setPixmap(QPixmap());
         QWidget *shown = widget == nullptr ? m_rig.window.get() : widget;
         const QString file =
             m_folder.filePath(QLatin1String(name) +
