@@ -172,6 +172,8 @@ private:
     {
         // What stands on queued updates is shown before it is taken.
         QCoreApplication::sendPostedEvents();
+        // Its light comes and goes by the clock.
+        m_rig.inWindow<QLabel>("lblStoreFlash")->setPixmap(QPixmap());
         QWidget *shown = widget == nullptr ? m_rig.window.get() : widget;
         const QString file =
             m_folder.filePath(QLatin1String(name) +
