@@ -382,7 +382,7 @@ private:
         open();
         waitFor(QStringLiteral("a panel"), [this] { return m_window->isWindowLocked(); });
         settle();
-        const QImage taken = part(window(), PanelPlace);
+        QImage taken = part(window(), PanelPlace);
         widget<QAbstractButton>(closingButton)->click();
         waitFor(QStringLiteral("the panel to close"),
                 [this] { return !m_window->isWindowLocked(); });
