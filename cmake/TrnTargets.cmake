@@ -32,13 +32,15 @@ function(trn_test_options TARGET)
 endfunction()
 
 # trn_test(NAME SOURCES file... [BINDING target] [LIBRARIES target...] [LABELS label...]
-#          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...] [DISPLAY])
+#          [LOCK name...] [TIMEOUT seconds] [DEPENDS target...] [DISPLAY]
+#          [WINDOW_MANAGER])
 # One QtTest executable, run with a home of its own, so that no test reads or writes a user's
 # files or settings, and with a fixed hash seed. BINDING is the MIDI binding that the executable
 # links (trn_midi_loopback unless told otherwise; NONE for a test that needs no engine route).
 # DISPLAY: the test opens windows, on an X server in memory of its own at 96 dots per inch.
+# WINDOW_MANAGER: the same with a window manager.
 function(trn_test NAME)
-    cmake_parse_arguments(T "DISPLAY" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(T "DISPLAY;WINDOW_MANAGER" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT T_BINDING)
         set(T_BINDING trn_midi_loopback)
     endif()
@@ -74,8 +76,11 @@ function(trn_test NAME)
     set(home ${CMAKE_BINARY_DIR}/test-home/${NAME})
     file(MAKE_DIRECTORY ${home})
     set(on_display "")
-    if(T_DISPLAY)
+    if(T_DISPLAY OR T_WINDOW_MANAGER)
         set(on_display ${CMAKE_SOURCE_DIR}/scripts/with-display)
+        if(T_WINDOW_MANAGER)
+            list(APPEND on_display --window-manager)
+        endif()
         target_link_libraries(${NAME} PRIVATE trn_widgets)
     endif()
     add_test(NAME ${NAME} COMMAND ${on_display} $<TARGET_FILE:${NAME}>)

@@ -2,10 +2,12 @@
 #include "file/EditorData.h"
 
 #include "file/XmlDocument.h"
+#include "memory/ControlTemplateData.h"
 #include "memory/RemoteMemAPI.h"
 
 #include <QtCore/QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -243,6 +245,51 @@ bool EditorData::setControllerDomElement(RemoteMemAPI *api, const QDomElement &e
                                             template_, controller, ParamAddress::RemoteNumber) &&
                complete;
     return complete;
+}
+
+// --- Checking before writing ---------------------------------------------------------------------
+
+namespace
+{
+
+bool isTextWithin(const QDomElement &parent, const QString &tag, qsizetype longest)
+{
+    const QDomElement child = parent.firstChildElement(tag);
+    return !child.isNull() && child.text().size() <= longest;
+}
+
+bool isNumberWithin(const QDomElement &parent, const QString &tag, const NumericParameter &bounds)
+{
+    bool isNumber = false;
+    const int value = parent.firstChildElement(tag).text().toInt(&isNumber);
+    return isNumber && value >= bounds.getMinValue() && value <= bounds.getMaxValue();
+}
+
+} // namespace
+
+bool EditorData::isWholeTemplateElement(const QDomElement &element, const QString &tag)
+{
+    static const ControlTemplateData bounds;
+    if (isRefused(element, tag) || element.firstChildElement(TagTemplateName).isNull() ||
+        element.firstChildElement(TagTemplateVSTiName).isNull() ||
+        !isNumberWithin(element, TagTemplateControlType, bounds.getCtrlType())) {
+        return false;
+    }
+    return std::all_of(k_tag_knobs.begin(), k_tag_knobs.end(), [&element](const QString &knob) {
+        return isWholeControllerElement(element.firstChildElement(knob), knob);
+    });
+}
+
+bool EditorData::isWholeControllerElement(const QDomElement &element, const QString &tag)
+{
+    static const ControllerData bounds;
+    return !isRefused(element, tag) &&
+           isTextWithin(element, TagControllerDisplayName,
+                        ControllerData::MaximumDisplayNameLength) &&
+           isNumberWithin(element, TagControllerCCNumber, bounds.getCCNum()) &&
+           isNumberWithin(element, TagControllerDisplayFormat, bounds.getDispFormat()) &&
+           isTextWithin(element, TagControllerRemoteNumber,
+                        ControllerData::MaximumRemoteTagIDLength);
 }
 
 // --- Remote identifiers --------------------------------------------------------------------------

@@ -38,6 +38,10 @@ public:
     static bool setControllerDomElement(RemoteMemAPI *api, const QDomElement &element, int bank,
                                         int template_, int controller, const QString &docType,
                                         const QString &tag);
+    // Whether every part is there and the memory would take every value, for data that must be
+    // written whole or not at all. Here a text that is no number is not taken for 0.
+    static bool isWholeTemplateElement(const QDomElement &element, const QString &tag);
+    static bool isWholeControllerElement(const QDomElement &element, const QString &tag);
     // The first child with that tag, parsed in decimal, at the address of four numbers. True if it
     // was there, whether or not the value was taken. Text that is no number counts as 0.
     static bool setNumericParamFromDomElement(RemoteMemAPI *api, const QDomElement &parent,

@@ -91,7 +91,7 @@ qsizetype overloadedTag(QStringView text)
 }
 
 // The streaming pass. False with message and line set if the text is not to be parsed.
-bool check(const QString &text, QString *message, int *line)
+bool check(const QString &text, const XmlDocument::Limits &limits, QString *message, int *line)
 {
     const qsizetype overloaded = overloadedTag(text);
     if (overloaded >= 0) {
@@ -104,14 +104,19 @@ bool check(const QString &text, QString *message, int *line)
     };
     int depth = 0;
     int elements = 0;
+    qint64 attributes = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
-            if (++elements > XmlDocument::MaximumElements) {
+            if (++elements > limits.elements) {
                 return refuseHere(QStringLiteral("The document has too many elements."));
             }
-            if (++depth > XmlDocument::MaximumDepth) {
+            if (++depth > limits.depth) {
                 return refuseHere(QStringLiteral("The elements are nested too deeply."));
+            }
+            attributes += reader.attributes().size();
+            if (attributes > limits.attributes) {
+                return refuseHere(QStringLiteral("The document has too many attributes."));
             }
             break;
         case QXmlStreamReader::EndElement:
@@ -137,17 +142,30 @@ bool check(const QString &text, QString *message, int *line)
 
 } // namespace
 
-bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString *message, int *line)
+bool XmlDocument::accept(const QByteArray &text, QString *characters, QString *message, int *line,
+                         const Limits &limits)
 {
-    *document = QDomDocument();
-    if (text.size() > MaximumBytes) {
+    characters->clear();
+    if (text.size() > limits.bytes) {
         return refuse(QStringLiteral("The document is too large."), 1, message, line);
     }
-    QString characters;
-    if (!decode(text, &characters)) {
+    QString decoded;
+    if (!decode(text, &decoded)) {
         return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
     }
-    if (!check(characters, message, line)) {
+    if (!check(decoded, limits, message, line)) {
+        return false;
+    }
+    *characters = decoded;
+    return true;
+}
+
+bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
+                        const Limits &limits)
+{
+    *document = QDomDocument();
+    QString characters;
+    if (!accept(text, &characters, message, line, limits)) {
         return false;
     }
     if (!document->setContent(characters, true, message, line)) {

@@ -20,10 +20,26 @@ inline constexpr int MaximumElements = 500000;
 // The parser's time grows with the square of an element's attributes. A bank has one.
 inline constexpr int MaximumAttributes = 1000;
 
+// What a document may have. The defaults are an editor file's; documents of another make bring
+// their own.
+struct Limits
+{
+    int depth = MaximumDepth;
+    qint64 bytes = MaximumBytes;
+    int elements = MaximumElements;
+    qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
+};
+
+// The look alone, for who reads the characters in a stream and so needs no tree. False as below,
+// and the characters are then empty.
+bool accept(const QByteArray &text, QString *characters, QString *message, int *line,
+            const Limits &limits = {});
+
 // Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
 // declares entities or attributes; message and line (from 1) then tell what and where, and the
 // document is empty. Neither pointer may be null.
-bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line);
+bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
+           const Limits &limits = {});
 
 // The text with '?' in place of each character that XML 1.0 forbids, so that what is written can be
 // read back.

@@ -19,8 +19,11 @@ struct FontFile
 
 constexpr std::array fontFiles{
     FontFile{QLatin1String(":/fonts/CorvanQRL8.ttf"), FontFamilyQRL8},
+    FontFile{QLatin1String(":/fonts/CorvanQRL8-Bold.ttf"), FontFamilyQRL8},
     FontFile{QLatin1String(":/fonts/CorvanQRL10.ttf"), FontFamilyQRL10},
+    FontFile{QLatin1String(":/fonts/CorvanQRL10-Bold.ttf"), FontFamilyQRL10},
     FontFile{QLatin1String(":/fonts/CorvanQRL8Expanded.ttf"), FontFamilyQRL8Expanded},
+    FontFile{QLatin1String(":/fonts/CorvanQRL8Expanded-Bold.ttf"), FontFamilyQRL8Expanded},
 };
 
 bool load(const FontFile &file)

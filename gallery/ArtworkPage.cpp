@@ -41,7 +41,7 @@ QWidget *Pages::artworkPage()
             at = {Gap, at.y() + rowHeight + Gap};
             rowHeight = 0;
         }
-        picture(made, {at, size}, name);
+        picture(made, {at, size}, name, name);
         caption(made, at.x(), at.y() + size.height() + 2,
                 QStringLiteral("%1  %2 x %3").arg(name).arg(size.width()).arg(size.height()),
                 width);

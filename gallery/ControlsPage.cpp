@@ -11,6 +11,8 @@
 #include "widgets/FlashFrame.h"
 #include "widgets/FontHelpers.h"
 
+#include <QtWidgets/QLabel>
+
 using namespace Specimens;
 
 namespace
@@ -19,31 +21,44 @@ namespace
 struct Kind
 {
     const char *image;
+    const char *says;
     int width;
     int height;
     int categories;
 };
 
 constexpr Kind Buttons[] = {
-    {"vd_nsw_window", 15, 15, 1},       {"vd_nsw_window_small", 15, 15, 1},
-    {"vd_nsw_window_front", 15, 15, 1}, {"t27r_tsw_size", 19, 10, 2},
-    {"t27r_nsw_store", 46, 14, 1},      {"vd_tsw_lib_open", 46, 14, 1},
-    {"t27r_nsw_lib_import", 46, 14, 1}, {"t27r_nsw_ok_2", 46, 14, 1},
-    {"t27r_nsw_cancel_2", 46, 14, 1},   {"t27r_nsw_file", 19, 19, 1},
-    {"vd_nsw_popup", 19, 18, 1},        {"vd_nsw_popup_s", 19, 19, 1},
-    {"vd_nsw_pulldown", 265, 18, 1},    {"vd_nsw_close", 15, 15, 1},
-    {"vd_nsw_yes", 51, 15, 1},          {"vd_nsw_no", 51, 15, 1},
-    {"vd_nsw_ok", 51, 15, 1},           {"vd_nsw_cancel", 51, 15, 1},
-    {"vd_nsw_start", 51, 15, 1},        {"vd_nsw_retry", 51, 15, 1},
+    {"vd_nsw_window", "Close", 15, 15, 1},
+    {"vd_nsw_window_small", "Minimize", 15, 15, 1},
+    {"vd_nsw_window_front", "Stay on top", 15, 15, 1},
+    {"t27r_tsw_size", "Window size", 19, 10, 2},
+    {"t27r_nsw_store", "Store", 46, 14, 1},
+    {"vd_tsw_lib_open", "Library", 46, 14, 1},
+    {"t27r_nsw_lib_import", "Import", 46, 14, 1},
+    {"t27r_nsw_ok_2", "OK", 46, 14, 1},
+    {"t27r_nsw_cancel_2", "Cancel", 46, 14, 1},
+    {"t27r_nsw_file", "Open a file", 19, 19, 1},
+    {"vd_nsw_popup", "Choose from a list", 19, 18, 1},
+    {"vd_nsw_popup_s", "Choose from a list", 19, 19, 1},
+    {"vd_nsw_pulldown", "Choose from a list", 19, 18, 1},
+    {"vd_nsw_close", "Close", 15, 15, 1},
+    {"vd_nsw_yes", "Yes", 51, 15, 1},
+    {"vd_nsw_no", "No", 51, 15, 1},
+    {"vd_nsw_ok", "OK", 51, 15, 1},
+    {"vd_nsw_cancel", "Cancel", 51, 15, 1},
+    {"vd_nsw_start", "Start", 51, 15, 1},
+    {"vd_nsw_retry", "Retry", 51, 15, 1},
 };
 
 constexpr int RowHeight = 26;
+constexpr int RowPicture = 19; // the highest of them
+constexpr int CaptionHeight = 13;
 constexpr int FirstRow = 44;
 constexpr int NameX = 20;
 constexpr int OffX = 180;
 constexpr int OnX = 260;
 constexpr int LiveX = 340;
-constexpr int OtherX = 640;
+constexpr int OtherX = 460;
 
 // Keeps its state whatever is done to it: a specimen, not a control.
 template <typename Button>
@@ -58,7 +73,7 @@ void freeze(Button *shown, bool on)
 
 QWidget *Pages::controlsPage()
 {
-    CFrame *made = frame(nullptr, {0, 0, 900, FirstRow + 23 * RowHeight + 20});
+    CFrame *made = frame(nullptr, {0, 0, 780, FirstRow + 20 * RowHeight + 20});
     setWindowPalette(made);
     QFont font(FontFamilyQRL8);
     font.setPixelSize(8);
@@ -66,25 +81,32 @@ QWidget *Pages::controlsPage()
     caption(made, OffX, 20, QStringLiteral("off"), 60);
     caption(made, OnX, 20, QStringLiteral("on, down"), 60);
     caption(made, LiveX, 20, QStringLiteral("live"), 60);
-    caption(made, OtherX, 20, QStringLiteral("radio buttons, spin buttons, flash"));
+    caption(made, OtherX, 20, QStringLiteral("live; spin buttons at rest, up, down, live"));
     int y = FirstRow;
     for (const Kind &kind : Buttons) {
         const QString name = QString::fromLatin1(kind.image);
-        caption(made, NameX, y, name, 150);
+        const QString says = QString::fromLatin1(kind.says);
+        // The names and the pictures of a row share their middle.
+        caption(made, NameX, y + (RowPicture - CaptionHeight) / 2, name, 150);
+        const int top = y + (RowPicture - kind.height) / 2;
+        if (name == QLatin1String("t27r_nsw_store")) {
+            // This one lies in a light of its own.
+            for (const int x : {OffX, OnX, LiveX}) {
+                picture(made, {x - 1, top - 1, 48, 16}, QStringLiteral("t27r_btn_back_store"),
+                        QStringLiteral("There is something to store"));
+            }
+        }
         for (int category = 0; category < kind.categories; ++category) {
-            const int width = std::min(kind.width, 70);
             const int shift = category * 30;
             for (const bool on : {false, true}) {
-                COnOffButton *shown =
-                    button(made, {(on ? OnX : OffX) + shift, y, width, kind.height}, name);
-                shown->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+                COnOffButton *shown = button(
+                    made, {(on ? OnX : OffX) + shift, top, kind.width, kind.height}, name, says);
                 shown->setImageCategories(kind.categories);
                 shown->setCategory(category);
                 freeze(shown, on);
             }
             COnOffButton *live =
-                button(made, {LiveX + shift, y, kind.width, kind.height}, name, name);
-            live->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+                button(made, {LiveX + shift, top, kind.width, kind.height}, name, says);
             live->setImageCategories(kind.categories);
             live->setCategory(category);
         }
@@ -95,28 +117,32 @@ QWidget *Pages::controlsPage()
     for (const char *image : {"trn_tsw_radiobtn", "trn_tsw_radiobtn_cc_rem"}) {
         const QString name = QString::fromLatin1(image);
         auto *group = new QWidget(made);
-        group->setGeometry({OtherX, y, 120, 18});
+        group->setGeometry({OtherX, y, 127, 18});
         for (int i = 0; i < 3; ++i) {
-            radio(group, {i * 36, 0, 19, 18}, name, name)->setChecked(i == 1);
+            radio(group, {i * 36, 0, 19, 18}, name, QStringLiteral("Choice %1").arg(i + 1))
+                ->setChecked(i == 1);
         }
-        caption(made, OtherX + 120, y, name, 140);
+        caption(made, OtherX + 150, y + (RowPicture - CaptionHeight) / 2, name, 140);
         y += RowHeight;
     }
     for (const char *image : {"vd_nsw_inc_dec_s", "vd_nsw_inc_dec_l"}) {
         const QString name = QString::fromLatin1(image);
-        for (const int value : {50, 0, 100}) {
-            const int at = value == 50 ? 0 : value == 0 ? 36 : 72;
-            CSpinButton *shown = spin(made, {OtherX + at, y, 19, 19}, name, name);
-            shown->setRange(0, 100);
-            shown->setValue(value);
+        // At rest, up and down: the rows of a picture that is off, on or held.
+        for (int state = 0; state < 3; ++state) {
+            COnOffButton *shown =
+                button(made, {OtherX + state * 36, y, 19, 19}, name, QStringLiteral("Number"));
+            shown->setHasDownImage(true);
+            freeze(shown, state == 1);
+            shown->setDown(state == 2);
         }
-        caption(made, OtherX + 120, y, name, 140);
+        spin(made, {OtherX + 108, y, 19, 19}, name, QStringLiteral("Number"))->setRange(0, 100);
+        caption(made, OtherX + 150, y + (RowPicture - CaptionHeight) / 2, name, 140);
         y += RowHeight;
     }
     COnOffButton *flash = button(made, {OtherX, y + 20, 51, 15}, QStringLiteral("vd_nsw_start"),
                                  QStringLiteral("Flash"));
     CText *target =
-        caption(made, OtherX + 90, y + 20, QStringLiteral("flashes for half a second"), 150);
+        caption(made, OtherX + 90, y + 21, QStringLiteral("flashes for half a second"), 150);
     QObject::connect(flash, &COnOffButton::clicked, target, [target] {
         FlashFrame::start(target->parentWidget(), target->geometry().adjusted(-1, -1, 1, 1));
     });

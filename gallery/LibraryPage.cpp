@@ -38,7 +38,7 @@ QWidget *Pages::libraryPage()
     font.setPixelSize(8);
     made->setFont(font);
     titleStrip(made);
-    picture(made, {14, 36, 87, 7}, QStringLiteral("t27r_led_online"));
+    picture(made, {14, 36, 87, 7}, QStringLiteral("t27r_led_online"), QStringLiteral("Online"));
     CFrame *view = frame(made, {14, 48, 442, 402}, QStringLiteral("trn_bak_library"));
     button(view, {168, 22, 19, 19}, QStringLiteral("t27r_nsw_file"), QStringLiteral("Open a file"));
     text(view, {10, 25, 153, 13}, QStringLiteral("Live Set.Q7V"));

@@ -40,7 +40,6 @@ void many(QWidget *page)
 {
     caption(page, 380, 20, QStringLiteral("a hundred thousand rows, not selected"));
     CListView *list = Specimens::list(page, {380, 40, 200, 191}, {585, 40, 16, 191});
-    list->setMarginHeight(5);
     for (int i = 0; i < ManyRows; ++i) {
         list->addItem({QStringLiteral("%1  Template").arg(i + 1, 6, 10, QLatin1Char('0'))});
     }

@@ -32,7 +32,7 @@ void buttons(QWidget *panel, const QStringList &names)
 {
     int x = 304 - 55 * (static_cast<int>(names.size()) - 1);
     for (const QString &name : names) {
-        button(panel, {x, 287, 51, 15}, QStringLiteral("vd_nsw_%1").arg(name), name);
+        button(panel, {x, 287, 51, 15}, QStringLiteral("vd_nsw_%1").arg(name.toLower()), name);
         x += 55;
     }
 }
@@ -57,19 +57,20 @@ void about(QWidget *panel)
     }
 }
 
-void portRow(QWidget *panel, int y, const QString &words)
+// says: what is chosen here; words: what has been.
+void portRow(QWidget *panel, int y, const QString &says, const QString &words)
 {
     text(panel, {92, y + 1, 239, 15}, words);
-    button(panel, {89, y, 265, 18}, QStringLiteral("vd_nsw_pulldown"), words)
+    button(panel, {89, y, 265, 18}, QStringLiteral("vd_nsw_pulldown"), says)
         ->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
 
 void setup(QWidget *panel)
 {
     close(panel);
-    portRow(panel, 149, QStringLiteral("TARN/TERN Port1"));
-    portRow(panel, 197, QStringLiteral("Other"));
-    buttons(panel, {QStringLiteral("ok"), QStringLiteral("cancel")});
+    portRow(panel, 149, QStringLiteral("MIDI port"), QStringLiteral("TARN/TERN Port1"));
+    portRow(panel, 197, QStringLiteral("DAW"), QStringLiteral("Other"));
+    buttons(panel, {QStringLiteral("OK"), QStringLiteral("Cancel")});
 }
 
 // The running light: one picture that passes behind its window in steps.
@@ -87,21 +88,23 @@ void light(QWidget *panel, int step)
     painter.drawPixmap((step + 1) * StepWidth - width, 0, led);
     painter.end();
     shown->setPixmap(pixmap);
+    say(shown, QStringLiteral("Looking for software instruments"));
 }
 
 void synchronise(QWidget *panel)
 {
     close(panel);
-    portRow(panel, 149, QStringLiteral("TARN/TERN Port1"));
-    buttons(panel, {QStringLiteral("start"), QStringLiteral("cancel")});
+    portRow(panel, 149, QStringLiteral("MIDI port"), QStringLiteral("TARN/TERN Port1"));
+    buttons(panel, {QStringLiteral("Start"), QStringLiteral("Cancel")});
 }
 
 void synchroniseFailed(QWidget *panel)
 {
     close(panel);
-    portRow(panel, 149, QStringLiteral("TARN/TERN Port1"));
-    picture(panel, {91, 212, 263, 14}, QStringLiteral("t27r_txt_error"));
-    buttons(panel, {QStringLiteral("retry"), QStringLiteral("cancel")});
+    portRow(panel, 149, QStringLiteral("MIDI port"), QStringLiteral("TARN/TERN Port1"));
+    picture(panel, {91, 212, 263, 14}, QStringLiteral("t27r_txt_error"),
+            QStringLiteral("Communication error. Please try again."));
+    buttons(panel, {QStringLiteral("Retry"), QStringLiteral("Cancel")});
 }
 
 void scan(QWidget *panel)
@@ -120,10 +123,10 @@ struct Panel
 
 QWidget *Pages::panelsPage()
 {
-    const auto yes = QStringLiteral("yes");
-    const auto no = QStringLiteral("no");
-    const auto ok = QStringLiteral("ok");
-    const auto cancel = QStringLiteral("cancel");
+    const auto yes = QStringLiteral("Yes");
+    const auto no = QStringLiteral("No");
+    const auto ok = QStringLiteral("OK");
+    const auto cancel = QStringLiteral("Cancel");
     const Panel panels[] = {
         {"trn_bak_set", setup},
         {"trn_bak_autosync", synchronise},

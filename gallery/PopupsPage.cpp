@@ -12,8 +12,8 @@
 #include "widgets/CText.h"
 #include "widgets/FontHelpers.h"
 
-#include <QtCore/QPointer>
 #include <QtGui/QAction>
+#include <QtGui/QPainter>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 
@@ -28,6 +28,21 @@ QFont smallFont()
     font.setPixelSize(8);
     font.setStyleHint(QFont::AnyStyle, QFont::NoAntialias);
     return font;
+}
+
+// Of the full size of an icon: a smaller one is drawn larger, the more pixels the screen has.
+QPixmap lampIcon()
+{
+    constexpr int Size = 16;
+    const QPixmap lamp = image(QStringLiteral("t27r_led_edit_f"));
+    const qreal ratio = lamp.devicePixelRatio();
+    QPixmap made(QSize(Size, Size) * ratio);
+    made.setDevicePixelRatio(ratio);
+    made.fill(Qt::transparent);
+    QPainter painter(&made);
+    const int corner = (Size - qRound(lamp.deviceIndependentSize().width())) / 2;
+    painter.drawPixmap(corner, corner, lamp);
+    return made;
 }
 
 QTreeWidgetItem *folder(QTreeWidgetItem *parent, const QString &name, const QStringList &leaves)
@@ -97,7 +112,7 @@ QMenu *Pages::menu(QWidget *parent)
     off->setChecked(true);
     off->setEnabled(false);
     made->addSeparator();
-    made->addAction(image(QStringLiteral("t27r_led_edit_f")), QStringLiteral("With an &icon"));
+    made->addAction(lampIcon(), QStringLiteral("With an &icon"));
     QAction *plain = made->addAction(QStringLiteral("&Default"));
     made->setDefaultAction(plain);
     QAction *key = made->addAction(QStringLiteral("With a &key"));
@@ -120,7 +135,6 @@ QWidget *Pages::popupsPage()
     caption(made, 140, 20, QStringLiteral("the program's menus"));
 
     CText *chosen = caption(made, 60, 160, QStringLiteral("nothing chosen yet"));
-    const QPointer<QWidget> page(made);
     const auto below = [](QWidget *widget) {
         return QRect(widget->mapToGlobal(QPoint(0, 0)), widget->size());
     };
@@ -148,9 +162,12 @@ QWidget *Pages::popupsPage()
     });
 
     caption(made, 20, 200, QStringLiteral("line edit of the style"));
+    const QRect place(23, 220, 160, 14);
+    field(made, place);
     auto *edit = new QLineEdit(QStringLiteral("A line of text"), made);
-    edit->setGeometry({20, 220, 160, 16});
+    edit->setGeometry(place);
     edit->setFrame(false);
+    edit->setAccessibleName(QStringLiteral("Line of text"));
     adjustFont(made);
     return made;
 }

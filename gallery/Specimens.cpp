@@ -13,6 +13,7 @@
 #include "widgets/CText.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
@@ -43,6 +44,12 @@ QPixmap image(const QString &name)
     return artwork(QStringLiteral(":/images/%1.png").arg(name), qApp->devicePixelRatio());
 }
 
+void say(QWidget *widget, const QString &says)
+{
+    widget->setAccessibleName(says);
+    widget->setToolTip(says);
+}
+
 COnOffButton *button(QWidget *parent, const QRect &place, const QString &imageName,
                      const QString &says)
 {
@@ -50,8 +57,7 @@ COnOffButton *button(QWidget *parent, const QRect &place, const QString &imageNa
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
     made->setHasDownImage(false);
-    made->setAccessibleName(says);
-    made->setToolTip(says);
+    say(made, says);
     return made;
 }
 
@@ -62,7 +68,7 @@ CRadioButton *radio(QWidget *parent, const QRect &place, const QString &imageNam
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
     made->setHasDownImage(false);
-    made->setAccessibleName(says);
+    say(made, says);
     return made;
 }
 
@@ -72,7 +78,7 @@ CSpinButton *spin(QWidget *parent, const QRect &place, const QString &imageName,
     auto *made = new CSpinButton(parent);
     made->setGeometry(place);
     made->setCombinedImage(image(imageName));
-    made->setAccessibleName(says);
+    say(made, says);
     return made;
 }
 
@@ -95,6 +101,32 @@ CFrame *frame(QWidget *parent, const QRect &place, const QString &imageName)
     return made;
 }
 
+void field(QWidget *parent, const QRect &editor)
+{
+    // Where the view's background has one: for a line of 14, and for one of 15 pixels.
+    constexpr QRect Lower(115, 26, 141, 16);
+    constexpr QRect Higher(51, 305, 149, 17);
+    constexpr int Edge = 5;
+    const QRect from = editor.height() < 15 ? Lower : Higher;
+    const QSize size(editor.width() + 6, from.height());
+    const QPixmap view = image(QStringLiteral("trn_bak_main"));
+    const qreal ratio = view.devicePixelRatio();
+    QPixmap well(size * ratio);
+    well.setDevicePixelRatio(ratio);
+    QPainter painter(&well);
+    const auto draw = [&](const QRectF &to, const QRectF &source) {
+        painter.drawPixmap(to, view, QRectF(source.topLeft() * ratio, source.size() * ratio));
+    };
+    const int height = from.height();
+    draw(QRectF(0, 0, Edge, height), QRectF(from.left(), from.top(), Edge, height));
+    draw(QRectF(Edge, 0, size.width() - 2 * Edge, height),
+         QRectF(from.left() + Edge, from.top(), 1, height));
+    draw(QRectF(size.width() - Edge, 0, Edge, height),
+         QRectF(from.right() + 1 - Edge, from.top(), Edge, height));
+    painter.end();
+    frame(parent, {editor.topLeft() - QPoint(3, 1), size}, {})->setBackgroundPixmap(well);
+}
+
 CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace)
 {
     auto *made = new CListView(parent);
@@ -113,11 +145,12 @@ CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace
     return made;
 }
 
-QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName)
+QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName, const QString &says)
 {
     auto *made = new QLabel(parent);
     made->setGeometry(place);
     made->setPixmap(image(imageName));
+    say(made, says);
     return made;
 }
 

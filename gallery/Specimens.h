@@ -25,9 +25,12 @@ namespace Specimens
 // ":/images/NAME.png" at the scale of the screen.
 QPixmap image(const QString &name);
 
-// A button whose picture has the two rows off and on.
+// What a picture means to one who doesn't see it, or not what it is: accessible name and tool tip.
+void say(QWidget *widget, const QString &says);
+
+// A button whose picture has the two rows off and on. Here and below, says is said of the picture.
 COnOffButton *button(QWidget *parent, const QRect &place, const QString &imageName,
-                     const QString &says = {});
+                     const QString &says);
 CRadioButton *radio(QWidget *parent, const QRect &place, const QString &imageName,
                     const QString &says);
 CSpinButton *spin(QWidget *parent, const QRect &place, const QString &imageName,
@@ -35,10 +38,13 @@ CSpinButton *spin(QWidget *parent, const QRect &place, const QString &imageName,
 CText *text(QWidget *parent, const QRect &place, const QString &words,
             Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter);
 CFrame *frame(QWidget *parent, const QRect &place, const QString &imageName = {});
+// The well that an editor lies in, as the backgrounds of the views have it. Make it before the
+// editor.
+void field(QWidget *parent, const QRect &editor);
 // A list with the looks of the library, driven by the scroll bar that is made beside it.
 CListView *list(QWidget *parent, const QRect &place, const QRect &scrollBarPlace);
 
-QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName);
+QLabel *picture(QWidget *parent, const QRect &place, const QString &imageName, const QString &says);
 
 // The program's own menus. Their commands do nothing here; some are off, so that one sees it.
 void fillFileMenu(QMenu *menu);

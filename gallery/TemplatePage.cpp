@@ -27,12 +27,14 @@ constexpr int KnobCount = 12;
 constexpr std::array<int, 4> KnobX = {1, 85, 169, 253};
 constexpr std::array<int, 3> KnobY = {22, 71, 120};
 
-CLineEdit *lineEdit(QWidget *parent, const QRect &place, const QString &address, int length)
+CLineEdit *lineEdit(QWidget *parent, const QRect &place, const QString &address, int length,
+                    const QString &says)
 {
     auto *made = new CLineEdit(parent);
     made->setGeometry(place);
     made->setMaxLength(length);
     made->setNamedAddress(address);
+    made->setAccessibleName(says);
     return made;
 }
 
@@ -46,7 +48,7 @@ CFrame *window(const QSize &size, const QString &imageName, const QRect &contrac
     font.setPixelSize(8);
     made->setFont(font);
     titleStrip(made);
-    picture(made, {14, 36, 87, 7}, QStringLiteral("t27r_led_online"));
+    picture(made, {14, 36, 87, 7}, QStringLiteral("t27r_led_online"), QStringLiteral("Online"));
     COnOffButton *contract =
         button(made, contractPlace, QStringLiteral("t27r_tsw_size"), QStringLiteral("Window size"));
     contract->setImageCategories(2);
@@ -57,9 +59,12 @@ CFrame *window(const QSize &size, const QString &imageName, const QRect &contrac
 void upperRow(CFrame *view)
 {
     text(view, {63, 2, 234, 13}, QStringLiteral("Studio A.Q7V"));
-    picture(view, {312, 4, 9, 9}, QStringLiteral("trn_led_edit_t"));
-    picture(view, {325, 4, 9, 9}, QStringLiteral("t27r_led_edit_f"));
-    picture(view, {338, 1, 48, 16}, QStringLiteral("t27r_btn_back_store"));
+    picture(view, {312, 4, 9, 9}, QStringLiteral("trn_led_edit_t"),
+            QStringLiteral("Differs from the instrument's memory"));
+    picture(view, {325, 4, 9, 9}, QStringLiteral("t27r_led_edit_f"),
+            QStringLiteral("Differs from the file"));
+    picture(view, {338, 1, 48, 16}, QStringLiteral("t27r_btn_back_store"),
+            QStringLiteral("There is something to store"));
     button(view, {339, 2, 46, 14}, QStringLiteral("t27r_nsw_store"), QStringLiteral("Store"));
     button(view, {390, 2, 46, 14}, QStringLiteral("vd_tsw_lib_open"), QStringLiteral("Library"));
 
@@ -67,13 +72,14 @@ void upperRow(CFrame *view)
     QFont large(FontFamilyQRL10);
     large.setPixelSize(10);
     number->setFont(large);
-    lineEdit(view, {118, 27, 135, 14}, QStringLiteral("templateName"), 13);
+    lineEdit(view, {118, 27, 135, 14}, QStringLiteral("templateName"), 13,
+             QStringLiteral("Template name"));
     CSpinButton *turn = spin(view, {258, 24, 19, 19}, QStringLiteral("vd_nsw_inc_dec_l"),
                              QStringLiteral("Template number"));
     turn->setNamedAddress(QStringLiteral("currentTemplateNumber"));
     button(view, {278, 24, 19, 19}, QStringLiteral("vd_nsw_popup_s"),
            QStringLiteral("Choose a template"));
-    lineEdit(view, {340, 27, 73, 14}, QStringLiteral("vstiName"), 12);
+    lineEdit(view, {340, 27, 73, 14}, QStringLiteral("vstiName"), 12, QStringLiteral("VSTi"));
     button(view, {417, 24, 19, 19}, QStringLiteral("vd_nsw_popup_s"),
            QStringLiteral("Choose an instrument"));
     const auto show = [view, number](int template_) {
@@ -99,7 +105,7 @@ QList<CRadioButton *> lcd(QWidget *parent)
         const QString name = QStringLiteral("knob%1%2")
                                  .arg(QChar::fromLatin1(static_cast<char>('A' + knob % 4)))
                                  .arg(1 + knob / 4);
-        choose->setAccessibleName(QStringLiteral("Knob %1").arg(name.mid(4)));
+        say(choose, QStringLiteral("Knob %1").arg(name.mid(4)));
         auto *number = new CSimpleNotifier(name + QStringLiteral("/ccNumber"), parent);
         auto *display = new CSimpleNotifier(name + QStringLiteral("/displayName"), parent);
         const auto show = [cell, number, display] {
@@ -126,12 +132,14 @@ void settingPanel(QWidget *panel)
     slider->setGeometry({278, 40, 44, 15});
     slider->setAlignment(Qt::AlignCenter);
     slider->setDirectEdit(true);
+    slider->setAccessibleName(QStringLiteral("CC number"));
     slider->setNamedAddress(QStringLiteral("knobA1/ccNumber"));
     spin(panel, {325, 38, 19, 18}, QStringLiteral("vd_nsw_inc_dec_s"), QStringLiteral("CC number"))
         ->setNamedAddress(QStringLiteral("knobA1/ccNumber"));
     button(panel, {413, 38, 19, 18}, QStringLiteral("vd_nsw_popup"),
            QStringLiteral("Choose a control change"));
-    lineEdit(panel, {277, 74, 123, 15}, QStringLiteral("knobA1/displayName"), 15);
+    lineEdit(panel, {277, 74, 123, 15}, QStringLiteral("knobA1/displayName"), 15,
+             QStringLiteral("Display name"));
     auto *formats = new QWidget(panel);
     formats->setGeometry({325, 110, 107, 18});
     const QString image = QStringLiteral("trn_tsw_radiobtn");

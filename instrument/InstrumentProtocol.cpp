@@ -22,6 +22,7 @@ namespace
 
 constexpr char Manufacturer = 0x43;
 constexpr char ModelHigh = 0x7F;
+constexpr char ControlChangeStatus = '\xB0';
 constexpr quint8 HeaderHigh = 0x0E;
 constexpr quint8 FooterHigh = 0x0F;
 constexpr quint8 FlashHigh = 0x11;
@@ -361,6 +362,9 @@ QString describe(const QByteArray &wire, MessageOrigin origin)
     if (wire == QByteArrayLiteral("\xFE")) {
         return QStringLiteral("active sensing");
     }
+    if (wire.size() == 3 && wire.at(0) == ControlChangeStatus) {
+        return QStringLiteral("control change, %1 = %2").arg(int{wire.at(1)}).arg(int{wire.at(2)});
+    }
     const InstrumentMessage message = decode(wire, origin);
     QString words;
     switch (message.kind) {
@@ -431,6 +435,12 @@ QByteArray parameterChange(quint8 mid, quint8 low, const QByteArray &data)
 QByteArray storePressed()
 {
     return change(StoreMid, 0, {});
+}
+
+QByteArray controlChange(quint8 number, quint8 value)
+{
+    const char bytes[] = {ControlChangeStatus, static_cast<char>(number), static_cast<char>(value)};
+    return QByteArray(bytes, sizeof bytes);
 }
 
 bool takeBlock(int block, const QByteArray &data, InstrumentTemplate *target)

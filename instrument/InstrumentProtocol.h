@@ -69,6 +69,8 @@ QByteArray dumpBlock(int block, const InstrumentTemplate &source);
 QByteArray acknowledge();
 QByteArray parameterChange(quint8 mid, quint8 low, const QByteArray &data);
 QByteArray storePressed();
+// No message of the protocol, but what a knob plays: on channel 1, number and value 0 to 127.
+QByteArray controlChange(quint8 number, quint8 value);
 
 // Writes a block's data into the template. False, and the template as it was, for a wrong length or
 // a number out of its range.

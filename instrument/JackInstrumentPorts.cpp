@@ -4,12 +4,16 @@
 #include <jack/midiport.h>
 
 #include <cerrno>
+#include <chrono>
+#include <future>
+#include <thread>
 
 namespace
 {
 
 // Room for some thousand dumps; a ring is never the bottleneck, the service's period is.
 constexpr std::size_t RingSize = std::size_t{1} << 22;
+constexpr std::chrono::seconds CloseTimeout(3);
 // What the bridge shows in brackets is the number of the ALSA client, which begins at 16 for
 // devices.
 constexpr int DeviceNumber = 20;
@@ -20,6 +24,19 @@ void waitFor(sem_t *semaphore)
 {
     while (sem_wait(semaphore) != 0 && errno == EINTR) {
     }
+}
+
+// A client that vanishes without this stalls a synchronous server for seconds. False if the server
+// doesn't answer: the client then goes with the process.
+bool closesInTime(jack_client_t *client)
+{
+    std::packaged_task<void()> close([client] {
+        jack_deactivate(client);
+        jack_client_close(client);
+    });
+    const std::future<void> closed = close.get_future();
+    std::thread(std::move(close)).detach();
+    return closed.wait_for(CloseTimeout) == std::future_status::ready;
 }
 
 } // namespace
@@ -92,9 +109,7 @@ void JackInstrumentPorts::close()
     m_open = false;
     sem_post(&m_room);
     if (m_client) {
-        // A client that vanishes without these stalls a synchronous server for seconds.
-        jack_deactivate(m_client);
-        jack_client_close(m_client);
+        m_dead = m_dead || !closesInTime(m_client);
         m_client = nullptr;
     }
     endDelivery();

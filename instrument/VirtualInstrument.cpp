@@ -799,3 +799,19 @@ void VirtualInstrument::pressStore()
         return true;
     });
 }
+
+bool VirtualInstrument::turnKnob(int knob, int value)
+{
+    return edited([&] {
+        if (!isKnob(knob) || value < 0 || value > 127) {
+            return false;
+        }
+        const InstrumentTemplate &playing = current();
+        if (playing.controlType == 1) {
+            const quint8 number = playing.knobs[static_cast<std::size_t>(knob)].ccNumber;
+            send(PlayPort, InstrumentProtocol::controlChange(number, static_cast<quint8>(value)),
+                 MessageTag());
+        }
+        return true;
+    });
+}

@@ -16,9 +16,9 @@
 #include <memory>
 #include <thread>
 
-// The instrument behind the protocol: five ports each way, active sensing on the first, every
-// message on the fifth. Whoever joins it to a MIDI service hands received bytes to receive() and
-// takes what it sends from the output.
+// The instrument behind the protocol: five ports each way, active sensing and what is played on the
+// first, every message of the protocol on the fifth. Whoever joins it to a MIDI service hands
+// received bytes to receive() and takes what it sends from the output.
 //
 // Where an instrument could behave in more than one way, this one does so:
 // - A bulk request, parameter request or change that it cannot read, or that names a place it does
@@ -35,6 +35,9 @@
 // - A request for a remote identifier is answered by all nine characters, for any other address by
 //   its one byte. Names travel by the character, in order, blanks included.
 // - A store, from either side, ends with a report of the lowered flag.
+// - A knob that is turned plays the control change of its number, on channel 1 of the first port,
+//   while the current template is of the CC type. With the remote type its number means nothing and
+//   none is sent. Turning a knob changes no contents.
 // - Messages for another model or another device number, and messages on the ports 1 to 4, pass
 //   unanswered.
 //
@@ -51,10 +54,12 @@ class VirtualInstrument
 public:
     static constexpr int PortCount = 5;
     static constexpr int SensingPort = 1;
+    static constexpr int PlayPort = 1;
     static constexpr int MessagePort = 5;
     static constexpr std::chrono::milliseconds SensingPeriod{300};
 
-    // One whole wire message, 0xF0 to 0xF7 (less if a fault cut it), or 0xFE. Ports are 1 to 5.
+    // One whole wire message, 0xF0 to 0xF7 (less if a fault cut it), a control change or 0xFE.
+    // Ports are 1 to 5.
     using Output = std::function<void(int port, const QByteArray &bytes)>;
     // One line in words for each message sent or received, without an end of line.
     using Log = std::function<void(const QString &line)>;
@@ -127,6 +132,9 @@ public:
     bool setControlType(int value);
     bool selectTemplate(int number);
     void pressStore();
+    // The knob, 0 to 11, stands at the value now, 0 to 127. False, and nothing done, for another
+    // knob or value.
+    bool turnKnob(int knob, int value);
 
 private:
     using Clock = std::chrono::steady_clock;

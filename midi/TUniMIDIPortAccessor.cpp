@@ -28,6 +28,15 @@ DirectionKeys keysOf(int direction)
             QStringLiteral("/preferences/SystemPorts/Output/portIds"), QStringLiteral("<[Out]>")};
 }
 
+// Ports are listed often, and a store of what is there already would have each listing wait for the
+// disk.
+void storeIfChanged(QSettings &settings, const QString &key, const QStringList &list)
+{
+    if (!settings.contains(key) || settings.value(key).toStringList() != list) {
+        settings.setValue(key, list);
+    }
+}
+
 QString encoded(int number, const QString &name)
 {
     // Put together rather than by arg(), which would read a "%1" in a device's name.
@@ -141,6 +150,6 @@ void TUniMIDIPortAccessor::updateDirection(int direction)
         }
         ports.insert(QUuid(id), encodedPort);
     }
-    settings.setValue(keys.names, names);
-    settings.setValue(keys.ids, ids);
+    storeIfChanged(settings, keys.names, names);
+    storeIfChanged(settings, keys.ids, ids);
 }

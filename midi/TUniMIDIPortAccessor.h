@@ -19,7 +19,7 @@ public:
     QString friendlyName(const QUuid &id) const override;
     int portID(const QUuid &id) const override;
 
-    // Reads the platform's ports anew and writes the settings.
+    // Reads the platform's ports anew and writes what is new of them to the settings.
     void updatePortInfo();
 
 private:

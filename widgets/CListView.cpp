@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CListView.h"
 
+#include "images/Artwork.h"
 #include "widgets/FontHelpers.h"
 
 #include <QtCore/QCoreApplication>
@@ -355,6 +356,9 @@ void CListView::updateSize()
         m_columnWidths.append(int(columnWidth));
         left -= columnWidth + m_spacingWidth;
     }
+    if (m_scrollBar) {
+        m_scrollBar->setPageStep(m_visibleRows);
+    }
     updateView();
 }
 
@@ -517,8 +521,9 @@ int CListView::paintIcon(QPainter *painter, const QPixmap &icon, const QRect &ce
         const QRect part(QPoint(0, (size.height() - shown.height()) / 2), shown);
         const QRect place(cell.left(), cell.top() + (cell.height() - shown.height()) / 2,
                           shown.width(), shown.height());
-        const qreal ratio = icon.devicePixelRatio();
-        painter->drawPixmap(QRectF(place), icon,
+        const QPixmap picture = artworkFor(icon, painter->device()->devicePixelRatioF());
+        const qreal ratio = picture.devicePixelRatio();
+        painter->drawPixmap(QRectF(place), picture,
                             QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
     }
     return size.width() + m_iconMarginWidth;
@@ -625,6 +630,8 @@ void CListView::wheelEvent(QWheelEvent *event)
 
 void CListView::keyPressEvent(QKeyEvent *event)
 {
+    // Whoever hears of the selection may delete the list.
+    const QPointer<CListView> self(this);
     switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
@@ -636,7 +643,9 @@ void CListView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
         QAbstractSlider::keyPressEvent(event);
-        adjustScroll();
+        if (self) {
+            adjustScroll();
+        }
         return;
     default:
         QAbstractSlider::keyPressEvent(event);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/COnOffButton.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 
@@ -109,15 +110,19 @@ bool COnOffButton::event(QEvent *event)
 
 void COnOffButton::mousePressEvent(QMouseEvent *event)
 {
+    // Whoever hears of a click may delete the button.
+    const QPointer<COnOffButton> self(this);
     if (isCheckable() && event->button() == Qt::LeftButton) {
         if (m_onStateTrigger == buttonPush && !isChecked()) {
             click();
         }
-        if (m_offStateTrigger == buttonPush && isChecked()) {
+        if (self && m_offStateTrigger == buttonPush && isChecked()) {
             click();
         }
     }
-    QPushButton::mousePressEvent(event);
+    if (self) {
+        QPushButton::mousePressEvent(event);
+    }
 }
 
 void COnOffButton::keyPressEvent(QKeyEvent *event)

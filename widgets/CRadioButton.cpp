@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CRadioButton.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QMouseEvent>
 
 CRadioButton::CRadioButton(QWidget *parent)
@@ -76,11 +77,15 @@ bool CRadioButton::hitButton(const QPoint &position) const
 
 void CRadioButton::mousePressEvent(QMouseEvent *event)
 {
+    // Whoever hears of the click may delete the button.
+    const QPointer<CRadioButton> self(this);
     if (isCheckable() && event->button() == Qt::LeftButton && m_radioStateTrigger == buttonPush &&
         !isChecked()) {
         click();
     }
-    QRadioButton::mousePressEvent(event);
+    if (self) {
+        QRadioButton::mousePressEvent(event);
+    }
 }
 
 void CRadioButton::resizeEvent(QResizeEvent *event)

@@ -3,6 +3,7 @@
 
 #include "widgets/COnOffButton.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QWheelEvent>
 
@@ -122,6 +123,8 @@ void CSpinButton::wheelEvent(QWheelEvent *event)
     }
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
+    // Whoever hears of a step may delete the control.
+    const QPointer<CSpinButton> self(this);
     for (int i = 0; i < qAbs(steps) && !isAtLimit(up); ++i) {
         const int before = value();
         showPressed(up);
@@ -130,7 +133,7 @@ void CSpinButton::wheelEvent(QWheelEvent *event)
         } else {
             stepDown();
         }
-        if (value() == before) {
+        if (!self || value() == before) {
             break;
         }
     }

@@ -1,7 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/CText.h"
 
+#include "widgets/FontHelpers.h"
+
 #include <QtGui/QPainter>
+
+namespace
+{
+
+// The trim label is a letter that only the program's own fonts draw as an ellipsis.
+QString spoken(QString text)
+{
+    return text.replace(TrimLabel, QChar(u'\u2026'));
+}
+
+} // namespace
 
 CText::CText(QWidget *parent)
     : QWidget(parent)
@@ -21,7 +34,12 @@ void CText::setAlignment(Qt::Alignment alignment)
 void CText::setText(const QString &text)
 {
     if (m_text != text) {
+        const QString before = spoken(m_text);
         m_text = text;
+        // A name that someone else has given says more than the text alone.
+        if (accessibleName() == before) {
+            setAccessibleName(spoken(m_text));
+        }
         updateDoubleBuffer();
     }
 }

@@ -7,6 +7,7 @@
 #include <QtWidgets/QWidget>
 
 // A label in the text colour of its palette. A line feed begins a new line; nothing is wrapped.
+// The text is its accessible name, too, unless it is given another one.
 // Owner: its Qt parent. Thread: GUI.
 class CText : public QWidget, public DoubleBuffer
 {

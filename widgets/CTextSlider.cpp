@@ -4,6 +4,7 @@
 #include "widgets/CLineEdit.h"
 #include "widgets/NumberFormat.h"
 
+#include <QtCore/QPointer>
 #include <QtGui/QCursor>
 #include <QtGui/QDoubleValidator>
 #include <QtGui/QGuiApplication>
@@ -29,6 +30,9 @@ constexpr double WidestSpeed = 10.0;
 constexpr double WidestSpeedFinely = 1.0;
 constexpr double FineFactor = 0.25;
 constexpr double FineLimit = 1.0;
+
+// How far the held pointer goes where its place is rounded, in pixels.
+constexpr int RoundedReach = 8;
 
 double dragSpeed(qint64 range, bool finely)
 {
@@ -189,6 +193,7 @@ void CTextSlider::beginDrag(const QMouseEvent *event)
                 QGuiApplication::screenAt(m_dragCenter) != nullptr;
     if (m_holding) {
         movePointer(m_dragCenter);
+        m_lastPosition = m_dragCenter;
     }
 }
 
@@ -203,11 +208,17 @@ int CTextSlider::takeMovement(const QMouseEvent *event)
     // Where the pointer is now, and not where the event has seen it: events from before the pointer
     // was put back still arrive, and their way is counted already.
     const QPoint position = QCursor::pos();
-    if (position == m_dragCenter) {
-        return 0;
+    const int pixels = position.y() - m_lastPosition.y();
+    m_lastPosition = position;
+    // On a fine screen the pointer stands between whole pixels, too, and its place is rounded. Put
+    // back at every pixel, it would go twice as fast downwards as upwards under a slow hand.
+    const int reach = devicePixelRatioF() > 1 ? RoundedReach : 1;
+    const QPoint offset = position - m_dragCenter;
+    if (std::max(std::abs(offset.x()), std::abs(offset.y())) >= reach) {
+        QCursor::setPos(m_dragCenter);
+        m_lastPosition = m_dragCenter;
     }
-    QCursor::setPos(m_dragCenter);
-    return position.y() - m_dragCenter.y();
+    return pixels;
 }
 
 void CTextSlider::mouseMoveEvent(QMouseEvent *event)
@@ -229,8 +240,9 @@ void CTextSlider::dragBy(int pixels, bool finely)
     const double steps = std::trunc(speed * delta);
     m_dragRemainder = static_cast<int>(std::trunc(delta - steps / speed));
     const int before = value();
+    const QPointer<CTextSlider> self(this);
     setBoundedValue(before - steps);
-    if (value() != before) {
+    if (self && value() != before) {
         Q_EMIT actionTriggered(SliderMove);
     }
 }
@@ -261,6 +273,8 @@ void CTextSlider::wheelEvent(QWheelEvent *event)
     event->accept();
     const int steps = wheelSteps(event);
     const bool up = steps > 0;
+    // Whoever hears of a step may delete the control.
+    const QPointer<CTextSlider> self(this);
     for (int i = 0; i < qAbs(steps); ++i) {
         const int before = value();
         if (up) {
@@ -268,7 +282,7 @@ void CTextSlider::wheelEvent(QWheelEvent *event)
         } else {
             stepDown();
         }
-        if (value() == before) {
+        if (!self || value() == before) {
             break;
         }
     }

@@ -86,11 +86,11 @@ private:
     QString m_shownText;
 
     bool m_dragging = false;
-    bool m_holding = false; // the pointer is held at m_dragCenter
+    bool m_holding = false; // the pointer is put back to m_dragCenter
     int m_dragRemainder = 0;
     QPoint m_savedCursorPos;
     QPoint m_dragCenter;
-    QPoint m_lastPosition; // of the last mouse event, where the pointer isn't held
+    QPoint m_lastPosition; // what has been counted of the way up to now
 
     CLineEdit *m_editor;
     bool m_editAborted = false;

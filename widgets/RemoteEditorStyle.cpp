@@ -51,6 +51,16 @@ constexpr int SubmenuArrowMargin = 4;
 
 constexpr int ItemTextFlags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip;
 
+// The images are made of whole pixels, as the fonts are, and stay so on a finer screen, for which a
+// widget's painter would smooth them.
+void drawPixels(QPainter &painter, const QRect &rect, const QImage &image)
+{
+    const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(rect, image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
+}
+
 QString withoutMnemonics(QString text)
 {
     return text.remove(u'&');
@@ -436,7 +446,8 @@ void RemoteEditorStyle::drawBranch(const QStyleOption *option, QPainter *painter
     }
     if (option->state & State_Children) {
         const QPoint corner = center - QPoint(BranchImageSize / 2, BranchImageSize / 2);
-        painter->drawImage(corner, option->state & State_Open ? m_listClose : m_listOpen);
+        drawPixels(*painter, QRect(corner, QSize(BranchImageSize, BranchImageSize)),
+                   option->state & State_Open ? m_listClose : m_listOpen);
     }
 }
 
@@ -513,7 +524,7 @@ void RemoteEditorStyle::drawMenuItem(const QStyleOptionMenuItem *item, QPainter 
         const QRect indicator(rect.left() + IndicatorMargin,
                               rect.top() + (rect.height() - IndicatorSize) / 2, IndicatorSize,
                               IndicatorSize);
-        painter->drawImage(visual(indicator), checked ? m_radioCheck : m_radio);
+        drawPixels(*painter, visual(indicator), checked ? m_radioCheck : m_radio);
     }
     if (!item->icon.isNull()) {
         const int size = proxy()->pixelMetric(PM_SmallIconSize, item, widget);
@@ -610,7 +621,7 @@ void RemoteEditorStyle::drawScrollBar(const QStyleOptionSlider *bar, QPainter *p
             return;
         }
         const bool held = bar->activeSubControls & subControl && bar->state & State_Sunken;
-        painter->drawImage(rect, held && canMove ? arrow.highlight : arrow.rest);
+        drawPixels(*painter, rect, held && canMove ? arrow.highlight : arrow.rest);
     };
     drawArrow(SC_ScrollBarSubLine, horizontal ? m_left : m_up, canSub);
     drawArrow(SC_ScrollBarAddLine, horizontal ? m_right : m_down, canAdd);

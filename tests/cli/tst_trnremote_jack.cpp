@@ -48,6 +48,7 @@ private Q_SLOTS:
     void theInstrumentGoneInTheMiddle();
     void whoeverIsStoppedARunEndsSoonAfterItsTimeout_data();
     void whoeverIsStoppedARunEndsSoonAfterItsTimeout();
+    void theInstrumentEndsOnAStoppedServer();
     void aSignalEndsARunInOrder_data();
     void aSignalEndsARunInOrder();
     void monitorEndsWithCtrlC();
@@ -346,6 +347,20 @@ void TestTrnRemoteJack::whoeverIsStoppedARunEndsSoonAfterItsTimeout()
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 4);
     QVERIFY(!QFile::exists(path("a.Q7V")));
+}
+
+void TestTrnRemoteJack::theInstrumentEndsOnAStoppedServer()
+{
+    QVERIFY(startInstrument());
+    m_server.freeze();
+    m_instrument->terminate();
+    const bool hasEnded = m_instrument->waitForFinished(30000);
+    m_server.thaw();
+    QVERIFY(hasEnded);
+    QCOMPARE(m_instrument->exitStatus(), QProcess::NormalExit);
+    // With what it held on the disk all the same.
+    QCOMPARE(m_instrument->exitCode(), 0);
+    QVERIFY(contents("held.Q7V") == m_memory);
 }
 
 void TestTrnRemoteJack::aSignalEndsARunInOrder_data()

@@ -170,7 +170,9 @@ private Q_SLOTS:
         const QString name(family(index).name);
         QCOMPARE(name, QString::fromLatin1(family(index).row));
         QCOMPARE(QFontDatabase::families().count(name), 1);
-        QCOMPARE(QFontDatabase::styles(name), QStringList{QStringLiteral("Regular")});
+        QStringList styles = QFontDatabase::styles(name);
+        styles.sort();
+        QCOMPARE(styles, (QStringList{QStringLiteral("Bold"), QStringLiteral("Regular")}));
         const QFontInfo info(widgetFont(family(index).name));
         QCOMPARE(info.family(), name);
         QVERIFY(info.exactMatch());
@@ -402,6 +404,28 @@ private Q_SLOTS:
             font.setStyleStrategy(QFont::PreferAntialias);
             const QByteArray smooth = drawn(draw(font, line, ratio, true));
             QVERIFY2(smooth == plain, (smooth + plain).constData());
+        }
+    }
+
+    void boldLettersAreDrawnTwice_data() { familyRows(); }
+    void boldLettersAreDrawnTwice()
+    {
+        QFETCH(int, index);
+        const QFont plain = widgetFont(family(index).name);
+        QFont bold = plain;
+        bold.setWeight(QFont::Bold);
+        const QString word = QStringLiteral("l");
+        QCOMPARE(QFontMetrics(bold).horizontalAdvance(word),
+                 QFontMetrics(plain).horizontalAdvance(word) + 1);
+        for (int ratio = 1; ratio <= 2; ++ratio) {
+            QImage twice = draw(plain, word, ratio);
+            QPainter painter(&twice);
+            painter.setFont(plain);
+            painter.setRenderHint(QPainter::TextAntialiasing, false);
+            painter.setPen(QColor(ink));
+            painter.drawText(QPointF(margin + 1, 10), word);
+            painter.end();
+            QCOMPARE(drawn(draw(bold, word, ratio)), drawn(twice));
         }
     }
 

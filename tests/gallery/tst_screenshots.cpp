@@ -1,64 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the gallery shows, beside the pictures in reference/. scripts/renew-screenshots writes those
 // anew; a change of looks is then seen in the commit.
-#include <QtCore/QDir>
+#include "tools/PictureCompare.h"
+
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
-#include <QtGui/QImage>
 #include <QtGui/QPainter>
-#include <QtTest/QtTest>
 
-namespace
-{
-
-// Levels of 255 by which a channel may differ and still count as the same: rounding of blended
-// edges, not a shape that has moved.
-constexpr int SameLevel = 24;
-// A picture is compared tile by tile, since a lost lamp is little of a whole page.
-constexpr int TileSize = 16;
-constexpr int MostDifferingOfATile = 12;
-
-bool isSame(QRgb a, QRgb b)
-{
-    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
-                     std::abs(qBlue(a) - qBlue(b)), std::abs(qAlpha(a) - qAlpha(b))}) <= SameLevel;
-}
-
-int differingPixels(const QImage &seen, const QImage &reference, const QRect &tile)
-{
-    int differing = 0;
-    for (int y = tile.top(); y <= tile.bottom(); ++y) {
-        for (int x = tile.left(); x <= tile.right(); ++x) {
-            differing += isSame(seen.pixel(x, y), reference.pixel(x, y)) ? 0 : 1;
-        }
-    }
-    return differing;
-}
-
-// The first tile that looks otherwise; null if the pictures are the same.
-QRect differingTile(const QImage &seen, const QImage &reference)
-{
-    for (int y = 0; y < seen.height(); y += TileSize) {
-        for (int x = 0; x < seen.width(); x += TileSize) {
-            const QRect tile = QRect(x, y, TileSize, TileSize).intersected(seen.rect());
-            if (differingPixels(seen, reference, tile) > MostDifferingOfATile) {
-                return tile;
-            }
-        }
-    }
-    return {};
-}
-
-QStringList pictures(const QDir &folder, bool doubled)
-{
-    QStringList names = folder.entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
-    names.removeIf([doubled](const QString &name) {
-        return name.endsWith(QLatin1String("@2x.png")) != doubled;
-    });
-    return names;
-}
-
-} // namespace
+using namespace PictureCompare;
 
 class TestScreenshots : public QObject
 {
@@ -103,24 +52,7 @@ private Q_SLOTS:
 
         const QDir reference(QStringLiteral(TRN_SOURCE_DIR "/tests/gallery/reference"));
         const QDir shown(seen.path());
-        QCOMPARE(pictures(shown, doubled), pictures(reference, doubled));
-        QVERIFY(!pictures(shown, doubled).isEmpty());
-        for (const QString &name : pictures(shown, doubled)) {
-            const QImage is(shown.filePath(name));
-            const QImage should(reference.filePath(name));
-            QVERIFY2(!is.isNull() && !should.isNull(), qPrintable(name));
-            QVERIFY2(is.size() == should.size(), qPrintable(name));
-            const QRect tile = differingTile(is, should);
-            if (!tile.isNull()) {
-                const QString kept = QDir::current().filePath(QStringLiteral("seen-") + name);
-                is.save(kept);
-                QFAIL(qPrintable(QStringLiteral("%1 differs at %2, %3; what was seen is %4")
-                                     .arg(name)
-                                     .arg(tile.x())
-                                     .arg(tile.y())
-                                     .arg(kept)));
-            }
-        }
+        compareFolders(shown, reference, doubled);
     }
 };
 

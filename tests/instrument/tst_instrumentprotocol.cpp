@@ -239,6 +239,8 @@ private Q_SLOTS:
                  QStringLiteral("dump header, stored template 1 (wrong checksum)"));
         QCOMPARE(describe(acknowledge(), MessageOrigin::Device), QStringLiteral("acknowledge"));
         QCOMPARE(describe(hex("FE"), MessageOrigin::Device), QStringLiteral("active sensing"));
+        QCOMPARE(describe(controlChange(74, 127), MessageOrigin::Device),
+                 QStringLiteral("control change, 74 = 127"));
     }
 };
 

@@ -61,6 +61,47 @@ class TestVirtualInstrument : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void aTurnedKnobPlaysItsControlChangeOnThePlayingPort()
+    {
+        InstrumentMemory memory;
+        memory.currentTemplate = 3;
+        memory.editBuffer[3].controlType = 1;
+        memory.editBuffer[3].knobs[11].ccNumber = 74;
+        VirtualInstrument instrument(memory);
+        Recorder recorder(instrument);
+        QVERIFY(instrument.turnKnob(11, 100));
+        QCOMPARE(recorder.all().size(), 1);
+        QCOMPARE(recorder.all().first().port, VirtualInstrument::PlayPort);
+        QCOMPARE(recorder.take().first(), hex("B0 4A 64"));
+        QCOMPARE(instrument.contents(), memory);
+        QVERIFY(!instrument.turnKnob(12, 0));
+        QVERIFY(!instrument.turnKnob(-1, 0));
+        QVERIFY(!instrument.turnKnob(0, 128));
+        QVERIFY(!instrument.turnKnob(0, -1));
+        QVERIFY(recorder.take().isEmpty());
+    }
+
+    void aTurnedKnobOfARemoteTemplateSendsNothing()
+    {
+        VirtualInstrument instrument;
+        Recorder recorder(instrument);
+        QVERIFY(instrument.turnKnob(0, 1));
+        QVERIFY(recorder.take().isEmpty());
+    }
+
+    void aSilentInstrumentPlaysNothing()
+    {
+        InstrumentMemory memory;
+        memory.editBuffer[0].controlType = 1;
+        VirtualInstrument instrument(memory);
+        Recorder recorder(instrument);
+        instrument.fallSilent();
+        QVERIFY(instrument.turnKnob(0, 1));
+        instrument.comeBack();
+        QVERIFY(instrument.turnKnob(0, 2));
+        QCOMPARE(recorder.take(), QList<QByteArray>{hex("B0 00 02")});
+    }
+
     void aBulkRequestIsAnsweredByHeaderThirteenBlocksAndFooter()
     {
         InstrumentMemory memory;

@@ -163,6 +163,34 @@ private Q_SLOTS:
         QVERIFY(ports.ids(0).at(0) != ports.ids(1).at(0));
     }
 
+    void aListingThatFindsNothingNewLeavesTheDiskAlone()
+    {
+        FakeAccessor ports;
+        ports.inputs = QStringList{QStringLiteral("A Port1")};
+        ports.updatePortInfo();
+        QSettings().sync();
+        const QDateTime past = QDateTime::fromSecsSinceEpoch(1000000000);
+        const auto written = [&past] {
+            QFile file(QSettings().fileName());
+            const bool isNew = QFileInfo(file).lastModified() != past;
+            return file.open(QIODevice::ReadWrite) &&
+                   file.setFileTime(past, QFileDevice::FileModificationTime) && isNew;
+        };
+        QVERIFY(written());
+        ports.updatePortInfo();
+        QVERIFY(!written());
+        ports.inputs.append(QStringLiteral("A Port2"));
+        ports.updatePortInfo();
+        QVERIFY(written());
+        ports.inputs.clear();
+        ports.updatePortInfo();
+        QVERIFY(!written());
+        // Who has emptied the settings finds all four lists again.
+        QSettings().clear();
+        ports.updatePortInfo();
+        QCOMPARE(QSettings().allKeys().size(), 4);
+    }
+
     void aDamagedCatalogueIsDroppedWhole_data()
     {
         QTest::addColumn<QVariant>("names");

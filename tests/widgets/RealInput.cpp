@@ -14,6 +14,7 @@ constexpr unsigned char Left = XCB_BUTTON_INDEX_1;
 constexpr unsigned char WheelUp = XCB_BUTTON_INDEX_4;
 constexpr unsigned char WheelDown = XCB_BUTTON_INDEX_5;
 constexpr unsigned int ShiftSymbol = 0xFFE1; // the left one
+constexpr unsigned int ControlSymbol = 0xFFE3;
 
 struct Free
 {
@@ -28,6 +29,7 @@ RealInput::RealInput()
     : m_connection(xcb_connect(nullptr, nullptr))
     , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
     , m_shift(keycodeOf(ShiftSymbol))
+    , m_control(keycodeOf(ControlSymbol))
 {
 }
 
@@ -112,4 +114,14 @@ void RealInput::holdShift()
 void RealInput::releaseShift()
 {
     fake(XCB_KEY_RELEASE, m_shift);
+}
+
+void RealInput::holdControl()
+{
+    fake(XCB_KEY_PRESS, m_control);
+}
+
+void RealInput::releaseControl()
+{
+    fake(XCB_KEY_RELEASE, m_control);
 }

@@ -29,6 +29,8 @@ public:
     void turnWheel(int notches);
     void holdShift();
     void releaseShift();
+    void holdControl();
+    void releaseControl();
 
 private:
     void fake(unsigned char type, unsigned char detail, const QPoint &position = {});
@@ -37,4 +39,5 @@ private:
     xcb_connection_t *m_connection;
     unsigned int m_root;
     unsigned char m_shift;
+    unsigned char m_control;
 };

@@ -1257,6 +1257,8 @@ void TestEditorStyle::everyPixelIsTwoByTwoAtTwiceTheScale()
         QImage image = blank(QSize(191, 191) * ratio);
         image.setDevicePixelRatio(ratio);
         QPainter painter(&image);
+        // As it comes to a style from a widget on a screen of that scale.
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, ratio > 1);
         if (what.endsWith(QLatin1String("bar"))) {
             const bool upright = what == QLatin1String("vertical bar");
             const auto option =

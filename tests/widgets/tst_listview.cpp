@@ -146,6 +146,7 @@ private Q_SLOTS:
 
     void theScrollBarsRangeIsWhatDoesNotShow();
     void theScrollBarsMaximumIsZeroWhenAllItemsFit();
+    void theScrollBarsPageIsWhatShows();
     void anotherScrollBarTakesOver();
     void aDeletedScrollBarLeavesTheFirstRowOnTop();
 
@@ -182,6 +183,8 @@ private Q_SLOTS:
     void adjustScrollFollowsAnySelection();
     void focusSelectsTheListAndSaysSo();
     void ofTwoListsOneShowsTheFocus();
+
+    void aListMayGoWhenItsSelectionMoves();
 
     void hostileValuesDoNotFall();
     void moreColumnsThanTextsAreEmpty();
@@ -633,6 +636,26 @@ void TestListView::theScrollBarsMaximumIsZeroWhenAllItemsFit()
     QCOMPARE(bar().maximum(), 1);
     list().resize(100, 150);
     QCOMPARE(bar().maximum(), 0);
+}
+
+void TestListView::theScrollBarsPageIsWhatShows()
+{
+    m_window->open();
+    m_window->fill(50);
+    QCOMPARE(bar().pageStep(), 6);
+    list().resize(100, 49);
+    QCOMPARE(bar().pageStep(), list().visibleRows());
+    QCOMPARE(bar().pageStep(), 3);
+    list().setRowHeight(30);
+    QCOMPARE(bar().pageStep(), list().visibleRows());
+    QCOMPARE(bar().pageStep(), 1);
+    // A click behind the slider shows the rows that follow the last one.
+    list().setRowHeight(15);
+    bar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+    QCOMPARE(bar().value(), 3);
+    QScrollBar second;
+    list().setScrollBar(&second);
+    QCOMPARE(second.pageStep(), 3);
 }
 
 void TestListView::anotherScrollBarTakesOver()
@@ -1216,6 +1239,29 @@ void TestListView::ofTwoListsOneShowsTheFocus()
 
 // --- Bad input
 // ------------------------------------------------------------------------------------
+
+void TestListView::aListMayGoWhenItsSelectionMoves()
+{
+    m_window->open();
+    const auto add = [this] {
+        auto *made = new CListView(m_window.get());
+        made->setGeometry(0, 0, 100, 100);
+        for (int row = 0; row < 9; ++row) {
+            made->addItem({QString()});
+        }
+        made->setScrollBar(&bar());
+        made->show();
+        connect(made, &CListView::valueChanged, made, [made] { delete made; });
+        return QPointer<CListView>(made);
+    };
+    QPointer<CListView> made = add();
+    QTest::keyClick(made, Qt::Key_Down);
+    QVERIFY(made.isNull());
+    made = add();
+    QTest::mouseClick(m_window->windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 40));
+    QVERIFY(made.isNull());
+    QVERIFY(!m_window->grab().isNull());
+}
 
 void TestListView::hostileValuesDoNotFall()
 {

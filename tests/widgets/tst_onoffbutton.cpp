@@ -54,6 +54,7 @@ private Q_SLOTS:
     void theWritesAreNoMoreThanNeeded();
     void anUnboundButtonWorks();
     void aDeletedButtonIsHeardNoMore();
+    void aButtonMayGoInItsOwnClick();
 
     void theAccessibleNameStays();
     void propertiesThatMakeNoSenseAreHarmless();
@@ -482,6 +483,25 @@ void TestOnOffButton::aDeletedButtonIsHeardNoMore()
     window.bind();
     delete button;
     QVERIFY(window.api.setParam(CCNumberA1, 1));
+}
+
+void TestOnOffButton::aButtonMayGoInItsOwnClick()
+{
+    ControlWindow window;
+    auto *button = window.add<COnOffButton>(Place);
+    button->setCheckable(true);
+    button->setOnStateTrigger(COnOffButton::buttonPush);
+    button->setOffStateTrigger(COnOffButton::buttonPush);
+    button->setNamedAddress(FormatName);
+    window.bind();
+    window.open();
+    const QPointer<COnOffButton> watched(button);
+    connect(button, &COnOffButton::clicked, button, [button] { delete button; });
+    QTest::mousePress(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, Place.center());
+    QVERIFY(watched.isNull());
+    QCOMPARE(window.at(DisplayFormatA1), 1);
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, Place.center());
+    QVERIFY(!window.grab().isNull());
 }
 
 void TestOnOffButton::theAccessibleNameStays()

@@ -4,6 +4,7 @@
 #include "widgets/CombinedImage.h"
 #include "widgets/DoubleBuffer.h"
 #include "widgets/FlashFrame.h"
+#include "widgets/FontHelpers.h"
 
 #include "widgets/BoundHarness.h"
 
@@ -108,6 +109,8 @@ private Q_SLOTS:
     // Texts.
     void aTextHasItsDefaults();
     void aTextTakesItsPropertiesByName();
+    void aTextSaysWhatItShows();
+    void aTextGivenANameKeepsIt();
     void aTextIsDrawnInTheTextColourOfTheCurrentGroup();
     void aTextStandsWhereItsAlignmentSays_data();
     void aTextStandsWhereItsAlignmentSays();
@@ -120,6 +123,7 @@ private Q_SLOTS:
     void aFlashWithAnInvalidRectangleGoesAroundTheWholeParent();
     void aFlashOutlinesItsRectangleForHalfASecond();
     void aClickKeepsTheFlashUnseenUntilTheButtonIsReleased();
+    void aButtonHeldElsewhereKeepsNoFlash();
     void aFlashWithoutAnAreaDoesNothing();
     void aFlashGoesWithItsParent();
 
@@ -386,6 +390,30 @@ void TestPaintingBase::aTextTakesItsPropertiesByName()
     QCOMPARE(text.property("alignment").value<Qt::Alignment>(), Qt::Alignment(Qt::AlignRight));
 }
 
+void TestPaintingBase::aTextSaysWhatItShows()
+{
+    CText text;
+    QCOMPARE(text.accessibleName(), QString());
+    text.setText(QStringLiteral("CC074"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("CC074"));
+    // The label is an ellipsis in the program's own fonts, and a letter to everyone else.
+    text.setText(QStringLiteral("Resona") + TrimLabel);
+    QCOMPARE(text.accessibleName(), QStringLiteral("Resona\u2026"));
+    text.setText(QStringLiteral("Cutoff"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("Cutoff"));
+    text.setText({});
+    QCOMPARE(text.accessibleName(), QString());
+}
+
+void TestPaintingBase::aTextGivenANameKeepsIt()
+{
+    CText text;
+    text.setText(QStringLiteral("74"));
+    text.setAccessibleName(QStringLiteral("CC number"));
+    text.setText(QStringLiteral("75"));
+    QCOMPARE(text.accessibleName(), QStringLiteral("CC number"));
+}
+
 void TestPaintingBase::aTextIsDrawnInTheTextColourOfTheCurrentGroup()
 {
     const QColor active(200, 0, 0);
@@ -558,6 +586,24 @@ void TestPaintingBase::aClickKeepsTheFlashUnseenUntilTheButtonIsReleased()
     QVERIFY(flash->isVisible());
     input.releaseLeft();
     QTRY_VERIFY(flash.isNull());
+}
+
+void TestPaintingBase::aButtonHeldElsewhereKeepsNoFlash()
+{
+    ControlWindow window;
+    auto *parent = window.add<CFrame>({20, 20, 80, 50});
+    window.open();
+    RealInput input;
+    input.moveTo(window.mapToGlobal(QPoint(150, 120)));
+    input.pressLeft();
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::LeftButton);
+    FlashFrame::start(parent, 5, 6, 30, 20);
+    const QPointer<FlashFrame> flash = parent->findChild<FlashFrame *>();
+    QVERIFY(flash);
+    QTRY_VERIFY(flash.isNull());
+    QCOMPARE(QGuiApplication::mouseButtons(), Qt::LeftButton);
+    input.releaseLeft();
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::NoButton);
 }
 
 void TestPaintingBase::aFlashWithoutAnAreaDoesNothing()

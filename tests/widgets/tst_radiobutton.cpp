@@ -37,6 +37,8 @@ private Q_SLOTS:
     void turningOffWritesNothing();
     void aNewValueIsWrittenAtOnceWhenItIsOn();
 
+    void aButtonMayGoInItsOwnClick();
+
     void theAccessibleNameStays();
     void propertiesThatMakeNoSenseAreHarmless();
 };
@@ -254,6 +256,20 @@ void TestRadioButton::aNewValueIsWrittenAtOnceWhenItIsOn()
     QCOMPARE(window.at(CCNumberA1), 10);
     button->setOnValue(11);
     QCOMPARE(window.at(CCNumberA1), 11);
+}
+
+void TestRadioButton::aButtonMayGoInItsOwnClick()
+{
+    ControlWindow window;
+    auto *button = window.add<CRadioButton>(QRect(40, 40, 20, 20));
+    button->setRadioStateTrigger(CRadioButton::buttonPush);
+    window.open();
+    const QPointer<CRadioButton> watched(button);
+    connect(button, &CRadioButton::clicked, button, [button] { delete button; });
+    QTest::mousePress(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+    QVERIFY(watched.isNull());
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+    QVERIFY(!window.grab().isNull());
 }
 
 void TestRadioButton::theAccessibleNameStays()

@@ -7,7 +7,9 @@
 
 #include <QtGui/QAccessible>
 
+#include <algorithm>
 #include <climits>
+#include <limits>
 
 // The pair of unseen buttons over a picture: what it shows and for how long, what steps it, and how
 // it meets the memory.
@@ -74,6 +76,8 @@ private Q_SLOTS:
     void aStepIsWritten();
     void aWalkMovesItToAnotherTemplate();
     void anUnboundSpinButtonWorks();
+
+    void aSpinButtonMayGoInItsOwnStep();
 
     void theAccessibleNameStays();
     void propertiesThatMakeNoSenseAreHarmless();
@@ -222,7 +226,9 @@ void TestSpinButton::aWheelStepShowsAPressedHalfForATenthOfASecond()
     ControlWindow window;
     CSpinButton *spin = addSpin(&window);
     window.open();
-    for (const bool up : {true, false}) {
+    // A busy machine may show it longer, but not every time.
+    qint64 shortest = std::numeric_limits<qint64>::max();
+    for (const bool up : {true, false, true, false}) {
         QElapsedTimer since;
         since.start();
         turnWheel(spin, up ? 120 : -120);
@@ -230,7 +236,9 @@ void TestSpinButton::aWheelStepShowsAPressedHalfForATenthOfASecond()
         QCOMPARE(shownInMiddle(spin), rowColour(up ? UpRow : DownRow));
         QTRY_COMPARE(shownInMiddle(spin), rowColour(NormalRow));
         QVERIFY(since.elapsed() >= 90);
+        shortest = std::min(shortest, since.elapsed());
     }
+    QVERIFY(shortest < 500);
     // The other direction takes the first one's place at once.
     turnWheel(spin, 120);
     turnWheel(spin, -120);
@@ -476,6 +484,27 @@ void TestSpinButton::anUnboundSpinButtonWorks()
     QCOMPARE(spin->value(), 5);
     turnWheel(spin, 120);
     QCOMPARE(spin->value(), 6);
+}
+
+void TestSpinButton::aSpinButtonMayGoInItsOwnStep()
+{
+    ControlWindow window;
+    window.open();
+    const auto add = [&window] {
+        CSpinButton *spin = addSpin(&window);
+        spin->show();
+        connect(spin, &CSpinButton::valueChanged, spin, [spin] { delete spin; });
+        return QPointer<CSpinButton>(spin);
+    };
+    QPointer<CSpinButton> spin = add();
+    turnWheel(spin, 360);
+    QVERIFY(spin.isNull());
+    spin = add();
+    QTest::keyClick(spin, Qt::Key_Up);
+    QVERIFY(spin.isNull());
+    spin = add();
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 43));
+    QVERIFY(spin.isNull());
 }
 
 void TestSpinButton::theAccessibleNameStays()

@@ -185,6 +185,7 @@ private Q_SLOTS:
     void theAccessibleNameStays();
     void propertiesThatMakeNoSenseAreHarmless();
     void aSliderMayGoWhileItsEditorIsOpen();
+    void aSliderMayGoInItsOwnStep();
 };
 
 void TestTextSlider::init()
@@ -999,6 +1000,34 @@ void TestTextSlider::aSliderMayGoWhileItsEditorIsOpen()
     QTest::keyClicks(editorOf(slider), QStringLiteral("99"));
     delete slider;
     QCOMPARE(window.at(CCNumberA1), 64);
+}
+
+void TestTextSlider::aSliderMayGoInItsOwnStep()
+{
+    ControlWindow window;
+    window.open();
+    const auto add = [&window] {
+        CTextSlider *slider = addSlider(&window);
+        slider->show();
+        slider->setRange(0, 127);
+        slider->setValue(64);
+        connect(slider, &CTextSlider::valueChanged, slider, [slider] { delete slider; });
+        return QPointer<CTextSlider>(slider);
+    };
+    QPointer<CTextSlider> slider = add();
+    turnWheel(slider, 360);
+    QVERIFY(slider.isNull());
+    slider = add();
+    RealInput input;
+    input.moveTo(slider->mapToGlobal(QPoint(5, 5)));
+    input.pressLeft();
+    QTRY_COMPARE(slider->cursor().shape(), Qt::BlankCursor);
+    QTRY_COMPARE(QCursor::pos(), slider->mapToGlobal(slider->rect().center()));
+    input.moveBy(0, 5);
+    QTRY_VERIFY(slider.isNull());
+    input.releaseLeft();
+    QTRY_COMPARE(QGuiApplication::mouseButtons(), Qt::NoButton);
+    QVERIFY(!window.grab().isNull());
 }
 
 QTEST_MAIN(TestTextSlider)
