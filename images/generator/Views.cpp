@@ -154,8 +154,8 @@ void templateView(QPainter &painter, int, int)
     fieldAround(painter, fileName, fileName.right() + 3);
     shapes::lampSocket(painter, QRectF(bankEditLamp));
     shapes::lampSocket(painter, QRectF(fileEditLamp));
-    // The key is there only while there is something to store; without it its place says what it is,
-    // unlit as the online lamp.
+    // The key is there only while there is something to store; without it its place says what it
+    // is, unlit as the online lamp.
     shapes::keySocket(painter, QRectF(storeButton));
     shapes::keyFace(painter, QRectF(storeButton).adjusted(1, 1, -1, -1), shapes::Key::Down);
     shapes::textCentred(painter, Face::Small, storeButton, "STORE", palette::unlitInk);
