@@ -26,7 +26,6 @@
 namespace
 {
 
-constexpr int MostBanks = 128;
 constexpr int FileRetryMs = 50;
 // Of the resets: the template that is selected in the library.
 constexpr int SelectedInLibrary = -1;
