@@ -197,6 +197,9 @@ private:
     // Makes the panel unless it stands, and shows it.
     template <typename PanelType, typename... Arguments>
     void showPanel(QPointer<PanelType> *guard, Arguments &&...arguments);
+    // guard: a member.
+    template <typename PanelType>
+    void forgetWhenClosed(QPointer<PanelType> *guard);
     // A reset's question or About: the library's keys are off while it stands.
     template <typename PanelType>
     void showModalPanel(QPointer<PanelType> *guard);

@@ -33,11 +33,22 @@ auto EditorMainWindow::aboveAll(Show show)
 }
 
 // A panel that is closed and not yet deleted counts as gone: it waits for its deletion, which
-// unlocks the window and may ask for the next of its kind.
+// unlocks the window and may ask for the next of its kind. So its guard forgets it as it closes,
+// and not only in the last of its destructors, behind that unlocking.
 template <typename PanelType>
 bool isStanding(const QPointer<PanelType> &guard)
 {
-    return guard != nullptr && !guard->isClosed();
+    return !guard.isNull();
+}
+
+template <typename PanelType>
+void EditorMainWindow::forgetWhenClosed(QPointer<PanelType> *guard)
+{
+    connect(guard->data(), &EditorOverlap::closed, this, [guard, panel = guard->data()] {
+        if (*guard == panel) {
+            guard->clear();
+        }
+    });
 }
 
 template <typename PanelType, typename... Arguments>
@@ -45,6 +56,7 @@ void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...argu
 {
     if (!isStanding(*guard)) {
         *guard = new PanelType(this, std::forward<Arguments>(arguments)...);
+        forgetWhenClosed(guard);
     }
     placePanel(guard->data());
 }
@@ -54,6 +66,7 @@ void EditorMainWindow::showModalPanel(QPointer<PanelType> *guard)
 {
     if (!isStanding(*guard)) {
         *guard = new PanelType(this);
+        forgetWhenClosed(guard);
         connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);
     }
     editorLibrary->enableKeyboardShortcuts(false);

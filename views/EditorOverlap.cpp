@@ -80,6 +80,7 @@ void EditorOverlap::closeEvent(QCloseEvent *event)
     for (QAbstractButton *button : buttons) {
         button->blockSignals(true);
     }
+    Q_EMIT closed();
 }
 
 void EditorOverlap::finishForm()

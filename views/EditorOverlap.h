@@ -43,6 +43,10 @@ public Q_SLOTS:
     void enableShortcut();
     void disableShortcut();
 
+Q_SIGNALS:
+    // As isClosed() becomes true; the panel is whole still.
+    void closed();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
 

@@ -16,7 +16,14 @@ namespace
 
 const QString DeviceName = QStringLiteral("Corvan TARN/TERN");
 constexpr int WaitMs = 30000;
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__has_feature) // clang's way to ask
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define TRN_SANITIZED
+#endif
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TRN_SANITIZED
+#endif
+#if defined(TRN_SANITIZED)
 // A sanitizer looks for leaks itself, keeps what was freed, and takes its time.
 constexpr bool MeasuresMemory = false;
 constexpr int Rounds = 400;
