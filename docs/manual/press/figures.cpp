@@ -438,7 +438,7 @@ private:
         settle();
     }
 
-    // The panel after a run that the instrument never answered.
+    // The window's head with the instrument gone.
     void trouble()
     {
         m_cable->setPlugged(false);
