@@ -3,7 +3,6 @@
 
 #include "app/Constants.h"
 #include "app/EditorMainWindow.h"
-#include "app/EditorMainWindow_p.h"
 #include "memory/CSimpleNotifier.h"
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
@@ -67,11 +66,11 @@ void EditorMainWindow::activePort()
 {
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
-    if (!isStanding(autoSyncPanel)) {
+    if (!autoSyncPanel) {
         const bool hasDocument = !fileNameNotifier->getMemAPIString().isEmpty() ||
                                  fileEditFlagNotifier->getMemAPICurrentValue() == 1;
         autoSync(hasDocument, !hasDocument);
-        if (!isStanding(autoSyncPanel)) {
+        if (!autoSyncPanel) {
             activePortPending = true;
             return;
         }

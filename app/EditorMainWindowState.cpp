@@ -414,7 +414,7 @@ bool EditorMainWindow::hasUnsavedEdits() const
 void EditorMainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore();
-    if (isStanding(autoSyncPanel) && !autoSyncPanel->close()) {
+    if (autoSyncPanel && !autoSyncPanel->close()) {
         return;
     }
     EditorOverlap *const others[] = {aboutPanel,

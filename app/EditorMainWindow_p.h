@@ -36,12 +36,6 @@ auto EditorMainWindow::aboveAll(Show show)
 // unlocks the window and may ask for the next of its kind. So its guard forgets it as it closes,
 // and not only in the last of its destructors, behind that unlocking.
 template <typename PanelType>
-bool isStanding(const QPointer<PanelType> &guard)
-{
-    return !guard.isNull();
-}
-
-template <typename PanelType>
 void EditorMainWindow::forgetWhenClosed(QPointer<PanelType> *guard)
 {
     connect(guard->data(), &EditorOverlap::closed, this, [guard, panel = guard->data()] {
@@ -54,7 +48,7 @@ void EditorMainWindow::forgetWhenClosed(QPointer<PanelType> *guard)
 template <typename PanelType, typename... Arguments>
 void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...arguments)
 {
-    if (!isStanding(*guard)) {
+    if (guard->isNull()) {
         *guard = new PanelType(this, std::forward<Arguments>(arguments)...);
         forgetWhenClosed(guard);
     }
@@ -64,7 +58,7 @@ void EditorMainWindow::showPanel(QPointer<PanelType> *guard, Arguments &&...argu
 template <typename PanelType>
 void EditorMainWindow::showModalPanel(QPointer<PanelType> *guard)
 {
-    if (!isStanding(*guard)) {
+    if (guard->isNull()) {
         *guard = new PanelType(this);
         forgetWhenClosed(guard);
         connect(guard->data(), &QObject::destroyed, this, &EditorMainWindow::modalDialogClosed);

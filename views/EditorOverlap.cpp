@@ -26,7 +26,6 @@ EditorOverlap::EditorOverlap(EditorMainWindow *window)
 
 EditorOverlap::~EditorOverlap()
 {
-    m_closed = true;
     // A window that is being destroyed itself has become a mere widget by the time that its
     // children go, and there is nothing left to unlock.
     if (qobject_cast<EditorMainWindow *>(parent()) == nullptr) {
