@@ -26,11 +26,11 @@ struct Started
     bool isGood = false;
 };
 
-QByteArray monotonicNanoseconds()
+QString monotonicNanoseconds()
 {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return QByteArray::number(now.tv_sec * 1000000000LL + now.tv_nsec);
+    return QString::number(now.tv_sec * 1000000000LL + now.tv_nsec);
 }
 
 Started start(const QString &program, int idleSeconds)
@@ -41,10 +41,11 @@ Started start(const QString &program, int idleSeconds)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
+    environment.insert(QStringLiteral("TRN_BENCH_IDLE"), QString::number(idleSeconds));
+    environment.insert(QStringLiteral("TRN_BENCH_START"), monotonicNanoseconds());
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + program,
-                  {QString::fromLatin1(monotonicNanoseconds()), QString::number(idleSeconds)});
+    process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + program, {});
     Started started;
     if (!process.waitForFinished(StartTimeoutMs + idleSeconds * 1000)) {
         return started;

@@ -2,6 +2,7 @@
 #include "app/MainWindowRig.h"
 #include "cli/LoopbackInstrument.h"
 #include "protocol/AutoSync.h"
+#include "tests/tools/ResidentMemory.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -36,21 +37,6 @@ constexpr int WarmUpRounds = 300;
 // What the heap may hold on to more at the end than behind the first rounds. One round's panel
 // alone, left behind each time, would be many times as much.
 constexpr qint64 MostGrowthKiB = 1024;
-
-qint64 residentKiB()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).simplified().split(' ').first().toLongLong();
-        }
-    }
-    return -1;
-}
 
 qsizetype entriesOf(const char *folder)
 {
