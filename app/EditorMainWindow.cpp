@@ -172,6 +172,7 @@ void EditorMainWindow::buildMenus()
     for (QMenu *menu : {fileMenu, editMenu, helpMenu}) {
         menuBar->addMenu(menu);
     }
+    installTabCanceller(frame);
 }
 
 // parent: the menu that it is an entry of, null for one of the bar.
@@ -180,6 +181,7 @@ QMenu *EditorMainWindow::addMenu(QMenu *parent, const QString &text)
     auto *menu = new QMenu(text, this);
     menu->setFont(font());
     menu->setCursor(cursor());
+    installTabCanceller(menu);
     if (parent != nullptr) {
         parent->addMenu(menu);
     }

@@ -216,6 +216,9 @@ bool EditorMainWindow::fileOpen(const QString &name)
         }
         return true;
     }
+    // It waits no longer. Left standing, the flag would have the next receive, of whatever other
+    // document, count as no edit.
+    remoteMemAPI->setFileOpenRequestFlag(false);
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         pendingOpenFile = name;
         closeConfirm(CloseConfirm::Open);

@@ -64,6 +64,10 @@ void EditorMainWindow::setPortIndex(int index)
 
 void EditorMainWindow::activePort()
 {
+    if (remoteMemAPI->isONLINE()) {
+        // A sign that was on its way when the synchronisation ended.
+        return;
+    }
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
     if (!autoSyncPanel) {

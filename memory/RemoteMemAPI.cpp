@@ -542,7 +542,12 @@ void RemoteMemAPI::endCurrentTemplateHold()
 bool RemoteMemAPI::createMIDIComunicationRoute(int watchPort, int inPort, int outPort)
 {
     deleteMIDIComunicationRoute();
-    return createMIDIInput(watchPort, inPort) && createMIDIOutput(outPort);
+    if (createMIDIInput(watchPort, inPort) && createMIDIOutput(outPort)) {
+        return true;
+    }
+    // Half a route would go on to report an instrument that nobody can answer.
+    deleteMIDIComunicationRoute();
+    return false;
 }
 
 bool RemoteMemAPI::createMIDIInput(int watchPort, int inPort)

@@ -159,7 +159,7 @@ public:
     void endCurrentTemplateHold();
 
     // --- MIDI route. GUI thread.
-    // Port numbers as the catalogue's; any old route goes first. False leaves no encoder.
+    // Port numbers as the catalogue's; any old route goes first. False leaves no route.
     bool createMIDIComunicationRoute(int watchPort, int inPort, int outPort); // historical spelling
     bool createMIDIInput(int watchPort, int inPort);
     bool createMIDIOutput(int outPort);

@@ -42,7 +42,12 @@ void ConnectionWatcher::timerEvent(QTimerEvent *event)
     }
     // A loss shows after one whole period without an event, so between one and two periods after
     // the last.
-    if (!m_eventSeen.exchange(false) && m_memAPI != nullptr && m_memAPI->isONLINE()) {
+    if (m_eventSeen.exchange(false) || m_memAPI == nullptr) {
+        return;
+    }
+    if (m_memAPI->isONLINE()) {
         m_memAPI->setONLINEstate(0);
     }
+    // From here on its return is news, also to somebody who has turned it away.
+    m_memAPI->setWatchPortActivate(true);
 }

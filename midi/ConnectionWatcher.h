@@ -9,6 +9,7 @@
 
 // Decides from the active sensing port whether the device is there: reports the first sign of it
 // while offline, and sets the system offline when a whole timer period passes without any event.
+// Whoever has stopped watching for it watches again from then on.
 //
 // Owner: RemoteMemAPI. Threads: built, destroyed and timed on the GUI thread; Process on the port's
 // pusher thread.

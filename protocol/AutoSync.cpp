@@ -35,10 +35,7 @@ AutoSync::AutoSync(EditorMainWindow *window, bool editorToDevice, bool editBuffe
     setRunDisplayVisible(false);
     lblError->hide();
     btnRetry->hide();
-    mainWindow->updatePortInfoList();
-    m_portNames = mainWindow->getPortNameList();
-    m_portIndex = mainWindow->getPortIndex() < m_portNames.size() ? mainWindow->getPortIndex() : 0;
-    showPort();
+    takePorts();
 
     connect(btnMidiPort, &QAbstractButton::clicked, this, &AutoSync::popupMidiPort);
     connect(btnStart, &QAbstractButton::clicked, this, &AutoSync::start);
@@ -84,12 +81,27 @@ void AutoSync::emulateClosePressing()
 
 void AutoSync::activePort()
 {
-    if (!m_errorShown && m_portIndex > 0) {
+    if (m_errorShown) {
+        return;
+    }
+    if (m_portIndex <= 0 && !m_hasChosenPort) {
+        // Its ports were gone when the panel was made.
+        takePorts();
+    }
+    if (m_portIndex > 0) {
         start();
     }
 }
 
 // --- Ports ---------------------------------------------------------------------------------------
+
+void AutoSync::takePorts()
+{
+    mainWindow->updatePortInfoList();
+    m_portNames = mainWindow->getPortNameList();
+    m_portIndex = mainWindow->getPortIndex() < m_portNames.size() ? mainWindow->getPortIndex() : 0;
+    showPort();
+}
 
 void AutoSync::showPort()
 {
@@ -103,9 +115,10 @@ void AutoSync::showPort()
 
 void AutoSync::popupMidiPort()
 {
-    m_portMenu = new PulldownMenu(this, m_portNames);
-    connect(m_portMenu, &PulldownMenu::chosen, this, &AutoSync::choosePort);
-    m_portMenu->open(PopupMidiPortPosition, PopupMidiPortRoom);
+    auto *menu = new PulldownMenu(this, m_portNames);
+    mainWindow->installTabCanceller(menu);
+    connect(menu, &PulldownMenu::chosen, this, &AutoSync::choosePort);
+    menu->open(PopupMidiPortPosition, PopupMidiPortRoom);
 }
 
 void AutoSync::choosePort(int index)
@@ -114,6 +127,7 @@ void AutoSync::choosePort(int index)
         return;
     }
     m_portIndex = index;
+    m_hasChosenPort = true;
     showPort();
 }
 

@@ -6,12 +6,10 @@
 
 #include "ui_AutoSync.h"
 
-#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 #include <QtGui/QPixmap>
 
 class CSimpleNotifier;
-class PulldownMenu;
 
 // The panel that brings editor and instrument together: it receives the instrument's whole memory,
 // sends the editor's, or both, and only its success makes the system online. The instrument's
@@ -64,6 +62,7 @@ private:
     void bulkSend(bool editBufferOnly);
     void bulkError();
     void syncSucceeded();
+    void takePorts();
     void choosePort(int index);
     void showPort();
     void setRunDisplayVisible(bool visible);
@@ -72,7 +71,8 @@ private:
     bool m_editorToDevice;
     int m_portIndex = 0;
     QStringList m_portNames;
-    bool m_errorShown = false; // never cleared: from the first error on, the user starts
+    bool m_hasChosenPort = false; // by hand, in this panel
+    bool m_errorShown = false;    // never cleared: from the first error on, the user starts
     bool m_receiving = false;
     bool m_sending = false;
     bool m_editBufferOnly;
@@ -81,7 +81,6 @@ private:
     int m_animationTimer = 0; // id, 0 for none
     bool m_hasWaitCursor = false;
     CSimpleNotifier *m_fileEditNotifier;
-    QPointer<PulldownMenu> m_portMenu;
     // What both runs of this synchronisation will come to, and what the first has.
     int m_templatesOfAll = 0;
     int m_templatesBefore = 0;

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void aFileWaitsForAsLongAsAPanelStands();
     void filesThatWaitKeepTheirOrder();
     void aFileDuringASynchronisationIsLoadedBehindIt();
+    void aFileBehindACancelledSynchronisationLeavesNoWish();
     void aFileOverEditsAsksFirst_data();
     void aFileOverEditsAsksFirst();
     void aCancelledFileFromOutsideIsTheNextThatIsOpened();
@@ -76,6 +77,7 @@ private Q_SLOTS:
     void aSecondRequestReplacesTheArguments_data();
     void aSecondRequestReplacesTheArguments();
     void aPortThatWakesUnderAPanelStartsTheNextByItself();
+    void aSignThatComesBehindTheSynchronisationIsLate();
     void withoutARouteNoSynchronisationIsAskedFor();
     void anExistingSynchronisationKeepsItsArguments();
     void locksCount();
@@ -392,6 +394,31 @@ void TestMainWindowFlows::aFileDuringASynchronisationIsLoadedBehindIt()
         QList<int>());
     QCOMPARE(fileEditFlag(), 0);
     QVERIFY(m_rig->isFree());
+}
+
+// What the instrument later brings for another document is content, and is not lost without a word.
+void TestMainWindowFlows::aFileBehindACancelledSynchronisationLeavesNoWish()
+{
+    const QString path = bankFile(QStringLiteral("Instead"));
+    m_loopback = std::make_unique<LoopbackInstrument>();
+    QVERIFY(open(DeviceName));
+    timings().receiveRunTimeoutMs = 100;
+    m_loopback->instrument.fallSilent();
+    m_rig->api->emitPortActivatedSignal();
+    QTRY_VERIFY(m_rig->inPanel("lblError")->isVisible());
+    m_rig->window->applicationFileOpen(path);
+    QTRY_VERIFY(m_rig->api->isFileOpenRequestExist());
+    QVERIFY(m_rig->closePanel<AutoSync>());
+    QTRY_COMPARE(m_rig->fileName(), path);
+    QVERIFY(!m_rig->api->isFileOpenRequestExist());
+
+    m_rig->window->fileNew();
+    QCOMPARE(fileEditFlag(), 0);
+    timings() = Timings();
+    m_loopback->instrument.comeBack();
+    m_rig->api->emitPortActivatedSignal();
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QCOMPARE(fileEditFlag(), 1);
 }
 
 void TestMainWindowFlows::aFileOverEditsAsksFirst_data()
@@ -745,6 +772,17 @@ void TestMainWindowFlows::aPortThatWakesUnderAPanelStartsTheNextByItself()
     m_rig->window->autoSync(false, true);
     QVERIFY(m_rig->panel<AutoSync>() != nullptr);
     QVERIFY(m_rig->inPanel("btnStart")->isVisible());
+}
+
+void TestMainWindowFlows::aSignThatComesBehindTheSynchronisationIsLate()
+{
+    m_loopback = std::make_unique<LoopbackInstrument>();
+    QVERIFY(open(DeviceName));
+    m_rig->api->setONLINEstate(1);
+    m_rig->api->emitPortActivatedSignal();
+    QVERIFY(m_rig->anyPanel() == nullptr);
+    QVERIFY(!m_rig->api->needToWaitAutoSyncDone());
+    QCOMPARE(m_loopback->instrument.counters().bulkRequests, 0);
 }
 
 void TestMainWindowFlows::withoutARouteNoSynchronisationIsAskedFor()

@@ -75,6 +75,8 @@ private Q_SLOTS:
     // --- Keys
     void tabAndBacktabDoNothingAnywhere_data();
     void tabAndBacktabDoNothingAnywhere();
+    void tabAndBacktabDoNothingInMenus_data();
+    void tabAndBacktabDoNothingInMenus();
     void keysOfTheMenusAreOffWhileAPanelStands();
 
     // --- Views
@@ -436,6 +438,41 @@ void TestMainWindowHandling::tabAndBacktabDoNothingAnywhere()
         }
     }
     QVERIFY(tried > 0);
+    m_rig->window.reset();
+    m_rig->api.reset();
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInMenus_data()
+{
+    QTest::addColumn<QString>("title");
+    QTest::newRow("menu") << MenuFileMenu;
+    QTest::newRow("submenu") << MenuFileVSTiDatabase;
+    QTest::newRow("list of ports") << QString();
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInMenus()
+{
+    QFETCH(QString, title);
+    const LoopbackInstrument instrument;
+    QMenu *menu = m_rig->menu(title);
+    if (title.isEmpty()) {
+        m_rig->window->updatePortInfoList();
+        m_rig->window->setPortIndex(1);
+        m_rig->window->autoSync(false, true);
+        m_rig->click(m_rig->inPanel("btnMidiPort"));
+        menu = m_rig->anyPanel()->findChild<QMenu *>();
+    } else {
+        menu->popup(m_rig->window->mapToGlobal(QPoint(80, 20)));
+    }
+    QVERIFY(menu != nullptr);
+    QVERIFY(QTest::qWaitForWindowExposed(menu));
+    QAction *const first = menu->actions().first();
+    menu->setActiveAction(first);
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+        QTest::keyClick(menu, key);
+        QCOMPARE(menu->activeAction(), first);
+    }
+    menu->close();
     m_rig->window.reset();
     m_rig->api.reset();
 }

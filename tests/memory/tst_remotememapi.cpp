@@ -548,6 +548,8 @@ void TestRemoteMemAPI::aRouteToAPortThatIsNotThereFails()
     QVERIFY(!m_api->createMIDIComunicationRoute(1, 99, 5));
     QVERIFY(!m_api->createMIDIComunicationRoute(99, 5, 5));
     QVERIFY(!m_api->createMIDIComunicationRoute(1, 5, 99));
+    // Nor is a half of it left, which would go on to report the instrument.
+    QVERIFY(m_api->createMIDIInput(1, 5));
     m_api->setONLINEstate(1);
     QVERIFY(!m_api->sendMessage(nullptr));
     // And the failures leave nothing behind that stands in the way of a good one.

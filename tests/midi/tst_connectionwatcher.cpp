@@ -120,6 +120,25 @@ private Q_SLOTS:
         QVERIFY(!memory.isONLINE());
     }
 
+    // Also for one who stopped watching, as after a synchronisation that the user has cancelled.
+    void afterASilenceTheReturnIsReportedAgain()
+    {
+        RemoteMemAPI memory;
+        memory.setWatchPortActivate(false);
+        QSignalSpy activated(&memory, &RemoteMemAPI::portActivated);
+        ConnectionWatcher watcher(1, &memory);
+        PeriodEnds ends(watcher);
+        tagMPEVENT event = sensing();
+        ends.onEnd = [&] { watcher.Process(event); };
+        QTRY_VERIFY(ends.count >= 5);
+        QVERIFY(!memory.isWatchPortActivate());
+        QCOMPARE(activated.size(), 0);
+        ends.onEnd = {};
+        QTRY_VERIFY(memory.isWatchPortActivate());
+        watcher.Process(event);
+        QCOMPARE(activated.size(), 1);
+    }
+
     void theFirstSignIsReportedWhileOfflineAndWatching_data()
     {
         QTest::addColumn<bool>("isOnline");

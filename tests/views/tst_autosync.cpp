@@ -106,6 +106,8 @@ private Q_SLOTS:
     void aLateCompletionDoesNothing();
     void anErrorIgnoresAReturningDevice();
     void aDeviceThatReturnsWhileThePanelCloses();
+    void aDeviceThatWasGoneWhenThePanelCame();
+    void aDeviceThatReturnsAfterACancelledError();
     void closingReadyOrErrorStaysOffline_data();
     void closingReadyOrErrorStaysOffline();
     void aWaitingFileKeepsTheEditFlagDown();
@@ -597,6 +599,54 @@ void TestAutoSync::aDeviceThatReturnsWhileThePanelCloses()
     m_rig->window->activePort();
     QVERIFY(first != nullptr);
     QTRY_VERIFY(first == nullptr);
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QTRY_VERIFY(panel() == nullptr);
+    checkIdle(false);
+}
+
+// Pulled out just before: the list of ports is without it, and so without a start.
+void TestAutoSync::aDeviceThatWasGoneWhenThePanelCame()
+{
+    QVERIFY(openWindow());
+    QVERIFY(goOnline());
+    m_loopback.reset();
+    m_rig->window->executefileNew();
+    QVERIFY(panel() != nullptr);
+    QCOMPARE(m_rig->inPanel<CText>("txtMidiPort")->text(), PortNotAssigned);
+    QVERIFY(!isShown("btnStart"));
+    m_rig->api->emitPortActivatedSignal();
+    QVERIFY(!isShown("btnStart"));
+    plug();
+    m_rig->api->emitPortActivatedSignal();
+    QTRY_VERIFY_WITH_TIMEOUT(panel() == nullptr, WaitMs);
+    checkIdle(false);
+    QCOMPARE(QSettings(QSettings::UserScope, CorporationName, SettingName)
+                 .value(QStringLiteral("PortName"))
+                 .toString(),
+             DeviceName);
+}
+
+// Who has turned it away is left in peace, until it goes and comes anew.
+void TestAutoSync::aDeviceThatReturnsAfterACancelledError()
+{
+    timings().connectionWatcherPeriodMs = 1000;
+    timings().receiveRunTimeoutMs = ShortRunMs;
+    QVERIFY(m_loopback->setFault(QStringLiteral("drop:footer:12")));
+    m_loopback->instrument.start();
+    QVERIFY(openWindow());
+    QTRY_VERIFY(panel() != nullptr);
+    End end = End::Either;
+    QVERIFY(waitForEnd(&end));
+    QCOMPARE(end, End::Error);
+    QTRY_VERIFY(!m_rig->api->isWatchPortActivate());
+    m_rig->click(m_rig->inPanel("btnCancel"));
+    QTRY_VERIFY(panel() == nullptr);
+    QVERIFY(!m_rig->api->isWatchPortActivate());
+    timings().receiveRunTimeoutMs = LongRunMs;
+    m_loopback.reset();
+    QTRY_VERIFY(m_rig->api->isWatchPortActivate());
+    plug();
+    m_loopback->instrument.start();
     QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
     QTRY_VERIFY(panel() == nullptr);
     checkIdle(false);
