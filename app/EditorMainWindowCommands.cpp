@@ -153,6 +153,7 @@ void EditorMainWindow::fileNew()
     if (currentView != 0) {
         return;
     }
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         closeConfirm(CloseConfirm::New);
     } else {
@@ -177,6 +178,7 @@ void EditorMainWindow::executefileNew()
 
 bool EditorMainWindow::fileOpen()
 {
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         closeConfirm(CloseConfirm::Open);
         return false;
@@ -194,11 +196,16 @@ bool EditorMainWindow::selectFileOpen()
         pendingOpenFile.clear();
         return accepted;
     }
-    const QString name = aboveAll([this] {
-        return QFileDialog::getOpenFileName(nullptr, QStringLiteral("Open"), getWorkingFolder(),
+    const QString name = askForFile(QStringLiteral("Open"));
+    return !name.isEmpty() && fileOpen(name);
+}
+
+QString EditorMainWindow::askForFile(const QString &title)
+{
+    return aboveAll([this, &title] {
+        return QFileDialog::getOpenFileName(nullptr, title, getWorkingFolder(),
                                             EditorOpenFileFilter);
     });
-    return !name.isEmpty() && fileOpen(name);
 }
 
 bool EditorMainWindow::fileOpen(const QString &name)
@@ -217,6 +224,7 @@ bool EditorMainWindow::fileOpen(const QString &name)
         }
         return true;
     }
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         pendingOpenFile = name;
         closeConfirm(CloseConfirm::Open);

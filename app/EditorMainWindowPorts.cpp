@@ -8,6 +8,7 @@
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
 #include "ui_EditorMainWindow.h"
+#include "views/EditorTemplate.h"
 
 void EditorMainWindow::updatePortInfoList()
 {
@@ -68,6 +69,7 @@ void EditorMainWindow::activePort()
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
     if (!isStanding(autoSyncPanel)) {
+        editorTemplate->acceptTyping();
         const bool hasDocument = !fileNameNotifier->getMemAPIString().isEmpty() ||
                                  fileEditFlagNotifier->getMemAPICurrentValue() == 1;
         autoSync(hasDocument, !hasDocument);
