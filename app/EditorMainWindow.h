@@ -107,6 +107,8 @@ public:
     void setWorkingFolder(const QString &path);
     QString getWorkingFolder() const;
     bool selectFileOpen();
+    // An editor file that is there, asked for with staying on top suspended; empty for none.
+    QString askForFile(const QString &title);
 
     bool storeBank(bool send);
     void resetStoredData();

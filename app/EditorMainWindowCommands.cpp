@@ -152,6 +152,7 @@ void EditorMainWindow::fileNew()
     if (currentView != 0) {
         return;
     }
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         closeConfirm(CloseConfirm::New);
     } else {
@@ -176,6 +177,7 @@ void EditorMainWindow::executefileNew()
 
 bool EditorMainWindow::fileOpen()
 {
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         closeConfirm(CloseConfirm::Open);
         return false;
@@ -193,11 +195,16 @@ bool EditorMainWindow::selectFileOpen()
         pendingOpenFile.clear();
         return accepted;
     }
-    const QString name = aboveAll([this] {
-        return QFileDialog::getOpenFileName(nullptr, QStringLiteral("Open"), getWorkingFolder(),
+    const QString name = askForFile(QStringLiteral("Open"));
+    return !name.isEmpty() && fileOpen(name);
+}
+
+QString EditorMainWindow::askForFile(const QString &title)
+{
+    return aboveAll([this, &title] {
+        return QFileDialog::getOpenFileName(nullptr, title, getWorkingFolder(),
                                             EditorOpenFileFilter);
     });
-    return !name.isEmpty() && fileOpen(name);
 }
 
 bool EditorMainWindow::fileOpen(const QString &name)
@@ -219,6 +226,7 @@ bool EditorMainWindow::fileOpen(const QString &name)
     // It waits no longer. Left standing, the flag would have the next receive, of whatever other
     // document, count as no edit.
     remoteMemAPI->setFileOpenRequestFlag(false);
+    editorTemplate->acceptTyping();
     if (fileEditFlagNotifier->getMemAPICurrentValue() == 1) {
         pendingOpenFile = name;
         closeConfirm(CloseConfirm::Open);

@@ -7,6 +7,7 @@
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
 #include "ui_EditorMainWindow.h"
+#include "views/EditorTemplate.h"
 
 void EditorMainWindow::updatePortInfoList()
 {
@@ -71,6 +72,7 @@ void EditorMainWindow::activePort()
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);
     if (!autoSyncPanel) {
+        editorTemplate->acceptTyping();
         const bool hasDocument = !fileNameNotifier->getMemAPIString().isEmpty() ||
                                  fileEditFlagNotifier->getMemAPICurrentValue() == 1;
         autoSync(hasDocument, !hasDocument);

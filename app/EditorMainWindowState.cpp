@@ -429,6 +429,7 @@ void EditorMainWindow::closeEvent(QCloseEvent *event)
             panel->close();
         }
     }
+    editorTemplate->acceptTyping();
     const auto asks = [](const QWidget *panel) { return panel != nullptr && panel->isVisible(); };
     if (!asks(closeConfirmPanel) && !asks(exitAnywayConfirmPanel)) {
         if (!hasUnsavedEdits()) {

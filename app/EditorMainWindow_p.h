@@ -20,8 +20,10 @@ auto EditorMainWindow::aboveAll(Show show)
         setWindowLevel(this, false);
         setFocus(Qt::OtherFocusReason);
     }
+    // The program may end while a dialog stands.
+    const QPointer<EditorMainWindow> self(this);
     auto result = show();
-    if (wasOnTop) {
+    if (wasOnTop && self) {
         // Unless it has been set again meanwhile.
         if (!windowOnTop) {
             windowOnTop = true;

@@ -14,7 +14,6 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
-#include <QtWidgets/QFileDialog>
 
 namespace
 {
@@ -38,9 +37,7 @@ int numberOf(const QDomElement &element, const QString &attribute)
 void EditorLibrary::importBank()
 {
     const QPointer<EditorLibrary> self(this);
-    const QString path =
-        QFileDialog::getOpenFileName(nullptr, QStringLiteral("File Select"),
-                                     mainWindow->getWorkingFolder(), EditorOpenFileFilter);
+    const QString path = mainWindow->askForFile(QStringLiteral("File Select"));
     // The program may have ended while the user looked around.
     if (!self || path.isEmpty()) {
         return;

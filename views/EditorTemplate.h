@@ -69,6 +69,9 @@ public:
     int getCurrentKnob() const { return currentKnob; }
     // Gives the focus to the current knob.
     void focusKnob();
+    // Ends what is being typed as Return does. Until then a name stands in its control alone, and
+    // whoever saves, asks about edits, or replaces the document would do so without it.
+    void acceptTyping();
 
 public Q_SLOTS:
     // Reads the list of instruments and the choice of DAW again.
@@ -130,7 +133,7 @@ private:
     QPixmap knobPicture(int knob) const;
     void flashKnob(int knob) const;
     QMimeData *createKnobMimeData(int knob) const;
-    // -1 for data that is no knob's.
+    // -1 for data that is no knob's, or a damaged one's.
     static int getKnobNumberFromKnobMimeData(const QMimeData *mime);
     // Writes the knob and flashes it. False, with nothing written: a part was missing or damaged.
     bool setKnobMimeData(const QMimeData *mime, int knob);

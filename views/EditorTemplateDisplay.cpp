@@ -40,9 +40,7 @@ void EditorTemplate::updateTemplateNumber(int number)
     // A drag would end on a knob of another template than it began on.
     QDrag::cancel();
     // What has been typed belongs to the template that it was typed for.
-    for (CLineEdit *edit : {ui->editTemplateName, ui->editVSTiName, ui->editDisplayName}) {
-        edit->accept();
-    }
+    acceptTyping();
     ui->txtTemplateNumber->setText(
         QStringLiteral("Template No:%1").arg(number + 1, 2, 10, QLatin1Char('0')));
     {
@@ -54,6 +52,13 @@ void EditorTemplate::updateTemplateNumber(int number)
         assignTemplate(ui->frameControllerSetting, number);
     }
     updateVSTiName();
+}
+
+void EditorTemplate::acceptTyping()
+{
+    for (CLineEdit *edit : {ui->editTemplateName, ui->editVSTiName, ui->editDisplayName}) {
+        edit->accept();
+    }
 }
 
 void EditorTemplate::selectKnob()

@@ -43,6 +43,7 @@ bool EditorTemplate::writeDocument(const QString &path, QString *error)
 
 bool EditorTemplate::saveBank()
 {
+    acceptTyping();
     const QString path = fileNameNotifier->getMemAPIString();
     if (path.isEmpty() || !hasEditorExtension(path)) {
         return saveBankAs();
@@ -58,6 +59,7 @@ bool EditorTemplate::saveBank()
 
 bool EditorTemplate::saveBankAs()
 {
+    acceptTyping();
     const QPointer<EditorTemplate> self(this);
     const QString present = fileNameNotifier->getMemAPIString();
     QString path = QFileInfo::exists(present) ? present : mainWindow->getWorkingFolder();

@@ -65,6 +65,10 @@ int EditorTemplate::getKnobNumberFromKnobMimeData(const QMimeData *mime)
 {
     QDomDocument document;
     const QDomElement root = parseKnob(mime, &document);
+    // Also what is only to tell where it comes from must be a knob: a damaged one moves nothing.
+    if (!EditorData::isWholeControllerElement(root, QString())) {
+        return NoKnob;
+    }
     bool isNumber = false;
     const int knob = root.attribute(EditorData::AttributeKnobNumber).toInt(&isNumber);
     return isNumber && knob >= 0 && knob < KnobCount ? knob : NoKnob;

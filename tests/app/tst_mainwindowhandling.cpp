@@ -4,6 +4,7 @@
 #include "cli/LoopbackInstrument.h"
 #include "protocol/AutoSync.h"
 #include "views/About.h"
+#include "views/Answers.h"
 #include "views/PortNotFound.h"
 #include "widgets/RealInput.h"
 
@@ -69,6 +70,8 @@ private Q_SLOTS:
     // --- Boxes
     void everyBoxSuspendsStayingOnTop_data();
     void everyBoxSuspendsStayingOnTop();
+    void everyFileDialogSuspendsStayingOnTop_data();
+    void everyFileDialogSuspendsStayingOnTop();
     void aBoxWithoutStayingOnTop();
     void stayingOnTopSetAgainDuringABox();
 
@@ -364,6 +367,37 @@ void TestMainWindowHandling::everyBoxSuspendsStayingOnTop()
     QTRY_VERIFY(m_rig->window->hasFocus());
     QVERIFY(button->isChecked());
     QCOMPARE(watch.takeMappings(), 0);
+}
+
+void TestMainWindowHandling::everyFileDialogSuspendsStayingOnTop_data()
+{
+    QTest::addColumn<bool>("imports");
+    QTest::newRow("open") << false;
+    QTest::newRow("import") << true;
+}
+
+void TestMainWindowHandling::everyFileDialogSuspendsStayingOnTop()
+{
+    QFETCH(bool, imports);
+    const XWatch watch(m_rig->window->winId());
+    m_rig->click(m_rig->inWindow<COnOffButton>("btnWindowStaysOnTop"));
+    QTRY_VERIFY(watch.isAbove());
+    if (imports) {
+        m_rig->window->viewLibrary();
+    }
+    Answers answers;
+    bool wentDown = false;
+    answers.expectFileDialog(QString(), [&](const QFileDialog *) {
+        wentDown = QTest::qWaitFor([&watch] { return !watch.isAbove(); });
+    });
+    if (imports) {
+        m_rig->window->fileImportTemplate();
+    } else {
+        m_rig->window->fileOpen();
+    }
+    QVERIFY(answers.allGiven());
+    QVERIFY(wentDown);
+    QTRY_VERIFY(watch.isAbove());
 }
 
 void TestMainWindowHandling::aBoxWithoutStayingOnTop()

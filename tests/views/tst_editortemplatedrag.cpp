@@ -296,20 +296,24 @@ void TestEditorTemplateDrag::aDropOfDamagedDataWritesNothing()
 {
     QFETCH(QByteArray, xml);
     TemplateRun run;
+    // Unlike the others, so that an exchange would show.
+    run.setKnob(3, "Source", 3, 1, "100000401");
     const QStringList before = contentOf(run.api, 0);
     run.api.setParam(FileEdit, 0);
     const auto mime = knobMime(xml);
-    // What has not entered isn't dropped.
-    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(),
-                          Qt::LeftButton, Qt::ControlModifier);
-    QCoreApplication::sendEvent(run.button(4), &enter);
-    QDropEvent drop(QPointF(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(), Qt::LeftButton,
-                    Qt::ControlModifier);
-    QCoreApplication::sendEvent(run.button(4), &drop);
-    QCOMPARE(contentOf(run.api, 0), before);
-    QVERIFY(!run.isEdited());
-    QVERIFY(run.flashes().isEmpty());
-    QCOMPARE(run.view->getCurrentKnob(), 0);
+    for (const Qt::KeyboardModifiers modifiers : {Qt::ControlModifier, Qt::NoModifier}) {
+        // What has not entered isn't dropped.
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(),
+                              Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(run.button(4), &enter);
+        QDropEvent drop(QPointF(10, 10), Qt::CopyAction | Qt::MoveAction, mime.get(),
+                        Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(run.button(4), &drop);
+        QCOMPARE(contentOf(run.api, 0), before);
+        QVERIFY(!run.isEdited());
+        QVERIFY(run.flashes().isEmpty());
+        QCOMPARE(run.view->getCurrentKnob(), 0);
+    }
     // And the good one is.
     const auto good = knobMime(KnobXml);
     QDragEnterEvent again(QPoint(10, 10), Qt::CopyAction | Qt::MoveAction, good.get(),
