@@ -73,7 +73,7 @@ inline const QByteArray Store = hex("F0 43 10 7F 14 01 22 00 F7");
 inline const QByteArray StoreToFlash = hex("F0 43 00 7F 14 00 00 11 00 00 6F F7");
 } // namespace EditorSide
 
-// What an instrument sent. Threads: any.
+// What an instrument sent. The instrument must outlive it. Threads: any.
 class Recorder
 {
 public:
@@ -85,6 +85,7 @@ public:
     };
 
     explicit Recorder(VirtualInstrument &instrument)
+        : m_instrument(instrument)
     {
         instrument.setOutput([this](int port, const QByteArray &bytes) {
             const std::lock_guard locker(m_mutex);
@@ -92,6 +93,10 @@ public:
             m_arrived.notify_all();
         });
     }
+    // Waits for a call that is still in here.
+    ~Recorder() { m_instrument.setOutput({}); }
+    Recorder(const Recorder &) = delete;
+    Recorder &operator=(const Recorder &) = delete;
 
     QList<Sent> all() const
     {
@@ -126,6 +131,7 @@ public:
     }
 
 private:
+    VirtualInstrument &m_instrument;
     mutable std::mutex m_mutex;
     std::condition_variable m_arrived;
     QList<Sent> m_sent;

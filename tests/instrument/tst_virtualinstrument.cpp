@@ -623,7 +623,6 @@ private Q_SLOTS:
             instrument->setFaultPlan(planOf(rules));
             instrument->receive(Port, dumpOf(0x60, 3));
             *sent = recorder.take();
-            instrument->setOutput({});
             return instrument;
         };
         QList<QByteArray> sent;
