@@ -22,8 +22,8 @@ if(TRN_COVERAGE)
     target_link_options(trn_options INTERFACE --coverage)
 endif()
 
-# Parsing Qt's headers is most of a test's compile time. They are compiled once for all tests, which
-# therefore share one set of definitions.
+# Parsing Qt's headers is most of a test's compile time. They are compiled once for all tests, and
+# once more for those with windows, which therefore share one set of definitions.
 function(trn_test_options TARGET)
     target_compile_definitions(${TARGET} PRIVATE
         TRN_BIN_DIR="${CMAKE_BINARY_DIR}/bin" TRN_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
@@ -39,6 +39,9 @@ endfunction()
 # links (trn_midi_loopback unless told otherwise; NONE for a test that needs no engine route).
 # DISPLAY: the test opens windows, on an X server in memory of its own at 96 dots per inch.
 # WINDOW_MANAGER: the same with a window manager.
+#
+# The thread sanitizer by default sleeps for a second at the end of each program, which the tests
+# of the programs' time limits would take for theirs.
 function(trn_test NAME)
     cmake_parse_arguments(T "DISPLAY;WINDOW_MANAGER" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT T_BINDING)
@@ -46,6 +49,10 @@ function(trn_test NAME)
     endif()
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 120)
+    endif()
+    # Under this sanitizer programs take up to twenty times as long.
+    if(TRN_SANITIZE STREQUAL "thread")
+        math(EXPR T_TIMEOUT "${T_TIMEOUT} * 4")
     endif()
     add_executable(${NAME} ${T_SOURCES})
     # A test includes its own meta-object code at its end; looking for more costs each of them a
@@ -64,7 +71,11 @@ function(trn_test NAME)
         endif()
     endforeach()
     set_target_properties(${NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin/tests)
-    target_precompile_headers(${NAME} REUSE_FROM trn_test_headers)
+    if(T_DISPLAY OR T_WINDOW_MANAGER)
+        target_precompile_headers(${NAME} REUSE_FROM trn_window_test_headers)
+    else()
+        target_precompile_headers(${NAME} REUSE_FROM trn_test_headers)
+    endif()
     if(NOT T_BINDING STREQUAL "NONE")
         target_link_libraries(${NAME} PRIVATE ${T_BINDING})
     endif()
@@ -84,9 +95,11 @@ function(trn_test NAME)
         target_link_libraries(${NAME} PRIVATE trn_widgets)
     endif()
     add_test(NAME ${NAME} COMMAND ${on_display} $<TARGET_FILE:${NAME}>)
+    # Whoever may take long begins first, so that nothing waits for it at the end.
     set_tests_properties(${NAME} PROPERTIES
         TIMEOUT ${T_TIMEOUT}
+        COST ${T_TIMEOUT}
         LABELS "${T_LABELS}"
         RESOURCE_LOCK "${T_LOCK}"
-        ENVIRONMENT "QT_HASH_SEED=0;QT_NO_GLIB=1;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
+        ENVIRONMENT "QT_HASH_SEED=0;QT_NO_GLIB=1;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:atexit_sleep_ms=100:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
 endfunction()

@@ -67,7 +67,7 @@ bool AlsaInstrumentPorts::open(const QString &deviceName, Callbacks callbacks, Q
     return true;
 }
 
-void AlsaInstrumentPorts::close()
+bool AlsaInstrumentPorts::close()
 {
     m_open = false;
     if (m_quitFd >= 0) {
@@ -87,6 +87,7 @@ void AlsaInstrumentPorts::close()
         snd_seq_close(m_sequencer);
         m_sequencer = nullptr;
     }
+    return true;
 }
 
 void AlsaInstrumentPorts::send(int port, const QByteArray &bytes)

@@ -32,6 +32,7 @@ public:
     // receiver that takes nothing in for seconds is not waited for any longer, and that is told.
     virtual void send(int port, const QByteArray &bytes) = 0;
     // Takes the ports back in order. Not once the service has died: its library may wait for an
-    // answer from it for ever.
-    virtual void close() = 0;
+    // answer from it for ever. False if the service didn't answer within seconds: it may still come
+    // back and call in here, so these ports must not be destroyed but go with the process.
+    virtual bool close() = 0;
 };

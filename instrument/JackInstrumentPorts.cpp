@@ -104,7 +104,7 @@ bool JackInstrumentPorts::open(const QString &deviceName, Callbacks callbacks, Q
     return true;
 }
 
-void JackInstrumentPorts::close()
+bool JackInstrumentPorts::close()
 {
     m_open = false;
     sem_post(&m_room);
@@ -113,6 +113,7 @@ void JackInstrumentPorts::close()
         m_client = nullptr;
     }
     endDelivery();
+    return !m_dead;
 }
 
 void JackInstrumentPorts::endDelivery()

@@ -26,7 +26,7 @@ public:
 
     bool open(const QString &deviceName, Callbacks callbacks, QString *error) override;
     void send(int port, const QByteArray &bytes) override;
-    void close() override;
+    bool close() override;
 
 private:
     static constexpr std::size_t Ports = 5;

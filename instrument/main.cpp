@@ -81,6 +81,14 @@ std::unique_ptr<InstrumentPorts> openPorts(const QString &wish, const QString &n
     return nullptr;
 }
 
+// Not the way through the service's library: without its server it may wait for ever, and with one
+// that wakes up again it may call into what is being destroyed.
+[[noreturn]] void leave(int code)
+{
+    std::fflush(nullptr);
+    std::_Exit(code);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -192,13 +200,15 @@ int main(int argc, char **argv)
     if (result == Failed) {
         complain(QStringLiteral("The MIDI service has died."));
         dump(parser.value(dumpFile), instrument);
-        std::fflush(nullptr);
-        // Not the way through the service's library: without its server it may wait for ever.
-        std::_Exit(Failed);
+        leave(Failed);
     }
     // The ports first: that ends the waiting of whoever sends.
-    ports->close();
+    const bool closed = ports->close();
     instrument.stop();
     instrument.setOutput({});
-    return dump(parser.value(dumpFile), instrument) ? Done : Failed;
+    const int code = dump(parser.value(dumpFile), instrument) ? Done : Failed;
+    if (!closed) {
+        leave(code);
+    }
+    return code;
 }

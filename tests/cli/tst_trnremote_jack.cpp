@@ -351,6 +351,7 @@ void TestTrnRemoteJack::whoeverIsStoppedARunEndsSoonAfterItsTimeout()
 
 void TestTrnRemoteJack::theInstrumentEndsOnAStoppedServer()
 {
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
     QVERIFY(startInstrument());
     m_server.freeze();
     m_instrument->terminate();

@@ -578,11 +578,15 @@ void TestAutoSync::anErrorIgnoresAReturningDevice()
     startOrRetry();
     End end = End::Either;
     QVERIFY(waitForEnd(&end));
-    QSignalSpy activated(m_rig->api.get(), &RemoteMemAPI::portActivated);
+    // Said on the thread that reads the port, heard on this one.
+    const QObject here;
+    bool activated = false;
+    connect(m_rig->api.get(), &RemoteMemAPI::portActivated, &here,
+            [&activated] { activated = true; });
     const int requests = m_loopback->instrument.counters().bulkRequests;
     m_loopback->instrument.comeBack();
     m_loopback->instrument.start();
-    QTRY_VERIFY(!activated.isEmpty());
+    QTRY_VERIFY(activated);
     QCoreApplication::processEvents();
     QCOMPARE(shown(), ErrorWidgets);
     QCOMPARE(m_loopback->instrument.counters().bulkRequests, requests);
