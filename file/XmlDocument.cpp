@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file/XmlDocument.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QStringConverter>
 #include <QtCore/QStringDecoder>
 #include <QtCore/QXmlStreamReader>
@@ -141,6 +143,20 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
 }
 
 } // namespace
+
+bool XmlDocument::read(QFile *file, qint64 limit, QByteArray *bytes)
+{
+    // Opening a pipe or a device could wait for ever.
+    if (!QFileInfo(file->fileName()).isFile() || !file->open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // Room for the limit would be taken at once, whatever the file's size, and the allocator takes
+    // the largest block that has come and gone as a measure of what to hold back ever after.
+    *bytes = file->read(std::min(file->size(), limit) + 1);
+    const bool complete = file->error() == QFileDevice::NoError;
+    file->close();
+    return complete;
+}
 
 bool XmlDocument::accept(const QByteArray &text, QString *characters, QString *message, int *line,
                          const Limits &limits)

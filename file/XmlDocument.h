@@ -5,6 +5,8 @@
 #include <QtCore/QString>
 #include <QtXml/QDomDocument>
 
+class QFile;
+
 // XML from outside: files, clipboard and drops all pass through here. Nothing of it may cost more
 // than it is worth, so a streaming pass looks at the whole text before any tree is built.
 namespace XmlDocument
@@ -29,6 +31,11 @@ struct Limits
     int elements = MaximumElements;
     qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
 };
+
+// The bytes of a regular file, which is opened and closed: one more than the limit at most, so that
+// what is too large is refused by the following. False for anything else than a regular file, and
+// if it can't be read.
+bool read(QFile *file, qint64 limit, QByteArray *bytes);
 
 // The look alone, for who reads the characters in a stream and so needs no tree. False as below,
 // and the characters are then empty.
