@@ -8,7 +8,8 @@
 class QFile;
 
 // XML from outside: files, clipboard and drops all pass through here. Nothing of it may cost more
-// than it is worth, so a streaming pass looks at the whole text before any tree is built.
+// than it is worth, so a streaming pass looks at all of it, and a tree is built of no more than has
+// passed.
 namespace XmlDocument
 {
 
@@ -42,8 +43,9 @@ bool read(QFile *file, qint64 limit, QByteArray *bytes);
 bool accept(const QByteArray &text, QString *characters, QString *message, int *line,
             const Limits &limits = {});
 
-// Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
-// declares entities or attributes; message and line (from 1) then tell what and where, and the
+// Builds the tree of elements and texts, and of the document type the name; comments and processing
+// instructions are left out. False for malformed text, for one that exceeds a limit, and for one
+// that declares entities or attributes; message and line (from 1) then tell what and where, and the
 // document is empty. Neither pointer may be null.
 bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
            const Limits &limits = {});
