@@ -127,15 +127,8 @@ bool EditorFile::load(RemoteMemAPI *api, int bank, QFile *file, bool fullDocumen
     if (!QFile::exists(file->fileName())) {
         return fail(error, ErrorNotFound);
     }
-    // Opening a pipe or a device could wait for ever.
-    if (!QFileInfo(file->fileName()).isFile() || !file->open(QIODevice::ReadOnly)) {
-        return fail(error, ErrorNotOpened);
-    }
-    // One byte past the limit is enough for the parser to refuse it.
-    const QByteArray content = file->read(XmlDocument::MaximumBytes + 1);
-    const bool wasRead = file->error() == QFileDevice::NoError;
-    file->close();
-    if (!wasRead) {
+    QByteArray content;
+    if (!XmlDocument::read(file, XmlDocument::MaximumBytes, &content)) {
         return fail(error, ErrorNotOpened);
     }
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file/XmlDocument.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QStringConverter>
 #include <QtCore/QStringDecoder>
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
+#include <functional>
 
 namespace
 {
@@ -23,8 +26,8 @@ bool refuse(const QString &reason, qint64 atLine, QString *message, int *line)
     return false;
 }
 
-// The text in the encoding that its mark, its first characters or its declaration tell. Both passes
-// read what comes of it, so neither sees other characters than were looked at here.
+// The text in the encoding that its mark, its first characters or its declaration tell. All that
+// follows reads what comes of it, so nothing sees other characters than were looked at here.
 bool decode(const QByteArray &bytes, QString *text)
 {
     QXmlStreamReader beginning(bytes);
@@ -90,8 +93,60 @@ qsizetype overloadedTag(QStringView text)
     return -1;
 }
 
-// The streaming pass. False with message and line set if the text is not to be parsed.
-bool check(const QString &text, const XmlDocument::Limits &limits, QString *message, int *line)
+// The tree of the tokens that a reader has come by: elements and texts as QDomDocument's own parser
+// makes them, which would read all the text once more.
+class Tree
+{
+public:
+    QDomDocument document() const { return m_document; }
+    void add(const QXmlStreamReader &reader)
+    {
+        switch (reader.tokenType()) {
+        case QXmlStreamReader::DTD:
+            m_document = QDomDocument(reader.dtdName().toString());
+            m_node = m_document;
+            break;
+        case QXmlStreamReader::StartElement:
+            openElement(reader);
+            break;
+        case QXmlStreamReader::EndElement:
+            m_node = m_node.parentNode();
+            break;
+        case QXmlStreamReader::Characters:
+            if (reader.isCDATA()) {
+                m_node.appendChild(m_document.createCDATASection(reader.text().toString()));
+            } else if (!reader.text().trimmed().isEmpty()) {
+                m_node.appendChild(m_document.createTextNode(reader.text().toString()));
+            }
+            break;
+        default:
+            break;
+        }
+    }
+
+private:
+    void openElement(const QXmlStreamReader &reader)
+    {
+        QDomElement element = m_document.createElementNS(reader.namespaceUri().toString(),
+                                                         reader.qualifiedName().toString());
+        const QXmlStreamAttributes attributes = reader.attributes();
+        for (const QXmlStreamAttribute &attribute : attributes) {
+            element.setAttributeNS(attribute.namespaceUri().toString(),
+                                   attribute.qualifiedName().toString(),
+                                   attribute.value().toString());
+        }
+        m_node = m_node.appendChild(element);
+    }
+
+    // With a document type that has no name, for a text that tells of none.
+    QDomDocument m_document{QString()};
+    QDomNode m_node = m_document;
+};
+
+// The streaming pass, which hands on each token that it has nothing against. False with message and
+// line set if the text is refused.
+bool check(const QString &text, const XmlDocument::Limits &limits,
+           const std::function<void(const QXmlStreamReader &)> &handOn, QString *message, int *line)
 {
     const qsizetype overloaded = overloadedTag(text);
     if (overloaded >= 0) {
@@ -105,6 +160,7 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
     int depth = 0;
     int elements = 0;
     qint64 attributes = 0;
+    bool hasDocumentType = false;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
@@ -123,6 +179,10 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
             --depth;
             break;
         case QXmlStreamReader::DTD:
+            if (hasDocumentType || elements > 0) {
+                return refuseHere(QStringLiteral("The document type is out of place."));
+            }
+            hasDocumentType = true;
             if (!reader.entityDeclarations().isEmpty()) {
                 return refuseHere(QStringLiteral("Entity declarations are not allowed."));
             }
@@ -136,27 +196,49 @@ bool check(const QString &text, const XmlDocument::Limits &limits, QString *mess
         default:
             break;
         }
+        handOn(reader);
     }
     return !reader.hasError() || refuseHere(reader.errorString());
 }
 
+// The characters of a text that is not too large and passes the check. False as there.
+bool take(const QByteArray &text, const XmlDocument::Limits &limits,
+          const std::function<void(const QXmlStreamReader &)> &handOn, QString *characters,
+          QString *message, int *line)
+{
+    if (text.size() > limits.bytes) {
+        return refuse(QStringLiteral("The document is too large."), 1, message, line);
+    }
+    if (!decode(text, characters)) {
+        return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
+    }
+    return check(*characters, limits, handOn, message, line);
+}
+
 } // namespace
+
+bool XmlDocument::read(QFile *file, qint64 limit, QByteArray *bytes)
+{
+    // Opening a pipe or a device could wait for ever.
+    if (!QFileInfo(file->fileName()).isFile() || !file->open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // Room for the limit would be taken at once, whatever the file's size, and the allocator takes
+    // the largest block that has come and gone as a measure of what to hold back ever after.
+    *bytes = file->read(std::min(file->size(), limit) + 1);
+    const bool complete = file->error() == QFileDevice::NoError;
+    file->close();
+    return complete;
+}
 
 bool XmlDocument::accept(const QByteArray &text, QString *characters, QString *message, int *line,
                          const Limits &limits)
 {
-    characters->clear();
-    if (text.size() > limits.bytes) {
-        return refuse(QStringLiteral("The document is too large."), 1, message, line);
-    }
-    QString decoded;
-    if (!decode(text, &decoded)) {
-        return refuse(QStringLiteral("Encountered incorrectly encoded content."), 1, message, line);
-    }
-    if (!check(decoded, limits, message, line)) {
+    if (!take(
+            text, limits, [](const QXmlStreamReader &) {}, characters, message, line)) {
+        characters->clear();
         return false;
     }
-    *characters = decoded;
     return true;
 }
 
@@ -164,14 +246,13 @@ bool XmlDocument::parse(const QByteArray &text, QDomDocument *document, QString 
                         const Limits &limits)
 {
     *document = QDomDocument();
+    Tree tree;
     QString characters;
-    if (!accept(text, &characters, message, line, limits)) {
+    const auto add = [&tree](const QXmlStreamReader &reader) { tree.add(reader); };
+    if (!take(text, limits, add, &characters, message, line)) {
         return false;
     }
-    if (!document->setContent(characters, true, message, line)) {
-        *document = QDomDocument();
-        return false;
-    }
+    *document = tree.document();
     return true;
 }
 

@@ -5,8 +5,11 @@
 #include <QtCore/QString>
 #include <QtXml/QDomDocument>
 
+class QFile;
+
 // XML from outside: files, clipboard and drops all pass through here. Nothing of it may cost more
-// than it is worth, so a streaming pass looks at the whole text before any tree is built.
+// than it is worth, so a streaming pass looks at all of it, and a tree is built of no more than has
+// passed.
 namespace XmlDocument
 {
 
@@ -30,13 +33,19 @@ struct Limits
     qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
 };
 
+// The bytes of a regular file, which is opened and closed: one more than the limit at most, so that
+// what is too large is refused by the following. False for anything else than a regular file, and
+// if it can't be read.
+bool read(QFile *file, qint64 limit, QByteArray *bytes);
+
 // The look alone, for who reads the characters in a stream and so needs no tree. False as below,
 // and the characters are then empty.
 bool accept(const QByteArray &text, QString *characters, QString *message, int *line,
             const Limits &limits = {});
 
-// Builds the tree. False for malformed text, for one that exceeds a limit, and for one that
-// declares entities or attributes; message and line (from 1) then tell what and where, and the
+// Builds the tree of elements and texts, and of the document type the name; comments and processing
+// instructions are left out. False for malformed text, for one that exceeds a limit, and for one
+// that declares entities or attributes; message and line (from 1) then tell what and where, and the
 // document is empty. Neither pointer may be null.
 bool parse(const QByteArray &text, QDomDocument *document, QString *message, int *line,
            const Limits &limits = {});

@@ -2,27 +2,12 @@
 #include "vsti/PluginXml.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtXml/QDomDocument>
 
 namespace
 {
 
 constexpr int IndentBlanks = 4;
-
-// False for what is no file or cannot be read. A byte more than the limit tells that it is
-// exceeded.
-bool readBytes(QFile &file, qint64 limit, QByteArray *bytes)
-{
-    // Opening a pipe would wait for its writer.
-    if (!QFileInfo(file.fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    *bytes = file.read(limit + 1);
-    const bool complete = file.error() == QFileDevice::NoError;
-    file.close();
-    return complete;
-}
 
 // As an attribute's value or a text in UTF-8: the longest references have six characters.
 qint64 writtenBytes(QStringView text)
@@ -50,7 +35,7 @@ bool PluginXml::parseFile(QFile &file, QDomDocument *document)
 {
     *document = QDomDocument();
     QByteArray text;
-    return readBytes(file, TreeLimits.bytes, &text) && parseData(text, document);
+    return XmlDocument::read(&file, TreeLimits.bytes, &text) && parseData(text, document);
 }
 
 bool PluginXml::readDatabase(QFile &file, QString *characters)
@@ -58,7 +43,7 @@ bool PluginXml::readDatabase(QFile &file, QString *characters)
     QByteArray text;
     QString message;
     int line = 0;
-    return readBytes(file, DatabaseLimits.bytes, &text) &&
+    return XmlDocument::read(&file, DatabaseLimits.bytes, &text) &&
            XmlDocument::accept(text, characters, &message, &line, DatabaseLimits);
 }
 

@@ -24,6 +24,14 @@ void CFrame::paintDoubleBuffer(QPainter *painter)
                         artworkFor(m_backgroundPixmap, painter->device()->devicePixelRatioF()));
 }
 
+QPixmap CFrame::finishedPicture(qreal devicePixelRatio) const
+{
+    const QPixmap picture = artworkFor(m_backgroundPixmap, devicePixelRatio);
+    const bool isWhole = picture.devicePixelRatio() == devicePixelRatio &&
+                         picture.size() == size() * devicePixelRatio;
+    return isWhole ? picture : QPixmap();
+}
+
 bool CFrame::event(QEvent *event)
 {
     return eventDoubleBuffer(event) || QFrame::event(event);

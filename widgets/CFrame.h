@@ -21,7 +21,10 @@ public:
     QPixmap backgroundPixmap() const { return m_backgroundPixmap; }
     void setBackgroundPixmap(const QPixmap &pixmap);
 
-    void paintDoubleBuffer(QPainter *painter) override;
+    void paintDoubleBuffer(QPainter *painter) final;
+    // The background, if it covers the frame: the grounds of the window, its views and its panels
+    // are the largest pictures there are.
+    QPixmap finishedPicture(qreal devicePixelRatio) const final;
 
 protected:
     bool event(QEvent *event) override;

@@ -12,6 +12,11 @@ DoubleBuffer::DoubleBuffer(QWidget *served)
 
 DoubleBuffer::~DoubleBuffer() = default;
 
+QPixmap DoubleBuffer::finishedPicture(qreal) const
+{
+    return QPixmap();
+}
+
 void DoubleBuffer::updateDoubleBuffer()
 {
     if (!polished) {
@@ -62,6 +67,13 @@ void DoubleBuffer::updateDoubleBufferPixmap()
     if (widget->width() <= 0 || widget->height() <= 0) {
         return;
     }
+    const QPixmap finished = finishedPicture(ratio);
+    bufferPixmap = finished.isNull() ? paintedPicture(ratio) : finished;
+    dirty = false;
+}
+
+QPixmap DoubleBuffer::paintedPicture(qreal ratio)
+{
     QPixmap pixmap(widget->size() * ratio);
     pixmap.setDevicePixelRatio(ratio);
     pixmap.fill(Qt::transparent);
@@ -74,8 +86,7 @@ void DoubleBuffer::updateDoubleBufferPixmap()
     painter.setRenderHint(QPainter::TextAntialiasing, false);
     paintDoubleBuffer(&painter);
     painter.end();
-    bufferPixmap = pixmap;
-    dirty = false;
+    return pixmap;
 }
 
 bool DoubleBuffer::changesLettering(const QEvent *event)

@@ -26,6 +26,10 @@ public:
     // none.
     virtual void paintDoubleBuffer(QPainter *painter) = 0;
 
+    // A picture that shows the content as it stands, in the device pixels of the ratio, and is kept
+    // instead of painting one like it; null, if there is none.
+    virtual QPixmap finishedPicture(qreal devicePixelRatio) const;
+
     // The content has changed. Nothing before the widget is polished, since the polish paints.
     void updateDoubleBuffer();
     // The same, on the screen before this returns.
@@ -44,4 +48,7 @@ protected:
     bool dirty = true;
     bool polished = false;
     QPixmap bufferPixmap;
+
+private:
+    QPixmap paintedPicture(qreal ratio);
 };

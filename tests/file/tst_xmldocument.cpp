@@ -51,6 +51,14 @@ bool readBack(const QString &value, QString *result)
     return true;
 }
 
+QString written(const QDomNode &node)
+{
+    QString result;
+    QTextStream stream(&result);
+    node.save(stream, -1);
+    return result;
+}
+
 } // namespace
 
 class TestXmlDocument : public QObject
@@ -59,6 +67,11 @@ class TestXmlDocument : public QObject
 
 private Q_SLOTS:
     void goodTextGivesItsTree();
+    void theTreeIsThatOfTheToolkitsOwnParser_data();
+    void theTreeIsThatOfTheToolkitsOwnParser();
+    void commentsAndInstructionsAreLeftOut();
+    void documentTypesOutOfPlaceAreRefused_data();
+    void documentTypesOutOfPlaceAreRefused();
     void sixtyFourLevelsAreTakenAndSixtyFiveRefused();
     void aMillionLevelsAreRefusedAtOnce();
     void declaredEntitiesAreRefused_data();
@@ -96,6 +109,65 @@ void TestXmlDocument::goodTextGivesItsTree()
     QCOMPARE(document.doctype().name(), text("T"));
     QCOMPARE(document.documentElement().attribute(text("b")), text("1"));
     QCOMPARE(document.documentElement().firstChildElement(text("c")).text(), text("x"));
+}
+
+void TestXmlDocument::theTreeIsThatOfTheToolkitsOwnParser_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    const auto row = [](const char *name, const char *document) {
+        QTest::newRow(name) << QByteArray(document);
+    };
+    row("with a document type", "<!DOCTYPE T><a/>");
+    row("with an outside document type", "<!DOCTYPE T SYSTEM 'nowhere.dtd'><a>x</a>");
+    row("without a document type", "<a/>");
+    row("attributes", "<a b='1' c='&lt;&#10;2'><d b='3'/></a>");
+    row("names of other spaces", "<a xmlns='u:v' xmlns:p='u:w' p:b='1' b='2'><p:c/><d/></a>");
+    row("text beside elements", "<a>x<b>y</b> z <b/></a>");
+    row("blanks between elements", "<a>\n    <b> </b>\n    <c>\t</c>\n</a>");
+    row("a section of blanks", "<a><![CDATA[  ]]></a>");
+    row("a section in a text", "<a>x<![CDATA[<y>]]>&amp;z</a>");
+}
+
+void TestXmlDocument::theTreeIsThatOfTheToolkitsOwnParser()
+{
+    QFETCH(QByteArray, document);
+    QDomDocument expected;
+    QVERIFY(expected.setContent(QString::fromUtf8(document), true));
+    QDomDocument tree;
+    QString message;
+    int line = 0;
+    QVERIFY2(XmlDocument::parse(document, &tree, &message, &line), qPrintable(message));
+    QCOMPARE(written(tree.documentElement()), written(expected.documentElement()));
+    QCOMPARE(tree.doctype().name(), expected.doctype().name());
+}
+
+void TestXmlDocument::commentsAndInstructionsAreLeftOut()
+{
+    QDomDocument tree;
+    QString message;
+    int line = 0;
+    QVERIFY(XmlDocument::parse("<?xml version='1.0'?><!--a--><?b c?><d>x<!--e-->y<?f?></d><!--g-->",
+                               &tree, &message, &line));
+    QCOMPARE(written(tree), text("<d>xy</d>"));
+}
+
+void TestXmlDocument::documentTypesOutOfPlaceAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::newRow("a second") << QByteArray("<!DOCTYPE a><!DOCTYPE b><a/>");
+    QTest::newRow("within") << QByteArray("<a><!DOCTYPE a></a>");
+    QTest::newRow("behind") << QByteArray("<a/><!DOCTYPE a>");
+}
+
+void TestXmlDocument::documentTypesOutOfPlaceAreRefused()
+{
+    QFETCH(QByteArray, document);
+    QDomDocument tree;
+    QString message;
+    int line = 0;
+    QVERIFY(!XmlDocument::parse(document, &tree, &message, &line));
+    QVERIFY(tree.isNull());
+    QCOMPARE(line, 1);
 }
 
 void TestXmlDocument::sixtyFourLevelsAreTakenAndSixtyFiveRefused()

@@ -103,6 +103,7 @@ private Q_SLOTS:
     void aFrameHasItsDefaults();
     void aFrameDrawsItsPictureAtTheOrigin();
     void aFrameThatGrowsShowsMoreOfItsPicture();
+    void aFrameKeepsThePictureThatCoversItAndPaintsAnyOther();
     void aClickOnAFrameGoesNoFurther();
     void aFrameWithoutAPictureShowsWhatIsBelow();
 
@@ -340,6 +341,43 @@ void TestPaintingBase::aFrameThatGrowsShowsMoreOfItsPicture()
     window.open();
     frame->resize(40, 40);
     QCOMPARE(shownAt(frame, {30, 30}), qRgb(255, 0, 0));
+}
+
+void TestPaintingBase::aFrameKeepsThePictureThatCoversItAndPaintsAnyOther()
+{
+    struct Frame : CFrame
+    {
+        using CFrame::CFrame;
+        QPixmap buffer() const { return bufferPixmap; }
+    };
+    Frame frame;
+    frame.resize(40, 30);
+    const qreal ratio = frame.devicePixelRatioF();
+    QPixmap picture(frame.size() * ratio);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::red);
+    frame.setBackgroundPixmap(picture);
+    frame.ensurePolished();
+    QCOMPARE(frame.buffer().cacheKey(), picture.cacheKey());
+
+    frame.resize(41, 30);
+    frame.updateDoubleBuffer();
+    frame.updateDoubleBufferPixmap();
+    QCOMPARE(frame.buffer().size(), frame.size() * ratio);
+    QCOMPARE(qAlpha(frame.buffer().toImage().pixel(frame.buffer().width() - 1, 0)), 0);
+
+    frame.resize(40, 30);
+    QPixmap large(picture.size());
+    large.fill(Qt::red);
+    large.setDevicePixelRatio(2 * ratio);
+    frame.setBackgroundPixmap(large);
+    frame.updateDoubleBufferPixmap();
+    QCOMPARE(frame.buffer().devicePixelRatio(), ratio);
+    QVERIFY(frame.buffer().cacheKey() != large.cacheKey());
+
+    frame.setBackgroundPixmap(QPixmap());
+    frame.updateDoubleBufferPixmap();
+    QCOMPARE(frame.buffer().size(), picture.size());
 }
 
 void TestPaintingBase::aClickOnAFrameGoesNoFurther()
