@@ -25,6 +25,12 @@ QString executableFolder()
     return set.isEmpty() ? QCoreApplication::applicationDirPath() : set;
 }
 
+QString homeFolder()
+{
+    const QString &set = overrides().home;
+    return set.isEmpty() ? QDir::homePath() : set;
+}
+
 #ifdef Q_OS_MACOS
 
 // The bundle's resources directory; null if any step gives nothing.
@@ -65,6 +71,13 @@ QString bundleResources()
 
 #else
 
+// What the desktop says of a folder of the real user's, who may have moved it.
+QString userFolder(QStandardPaths::StandardLocation location, const char *belowHome)
+{
+    return overrides().home.isEmpty() ? QStandardPaths::writableLocation(location)
+                                      : overrides().home + QLatin1String(belowHome);
+}
+
 const QString PresetBankFileName = PresetBankFile.arg(1) + EditorFileExtension;
 
 QString shareFolder()
@@ -95,17 +108,12 @@ MachineFolders machineFolders()
 
 QDir getAppDataDirectory()
 {
-    const QString &set = overrides().home;
-#ifndef Q_OS_MACOS
-    // The desktop's own idea of the data folder, which is AppDataFolderPath below the home folder
-    // unless the user moved it.
-    if (set.isEmpty()) {
-        return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                    QLatin1String(UserFolderPath));
-    }
+#ifdef Q_OS_MACOS
+    const QString data = homeFolder() + QLatin1String(AppDataFolderPath);
+#else
+    const QString data = userFolder(QStandardPaths::GenericDataLocation, AppDataFolderPath);
 #endif
-    return QDir((set.isEmpty() ? QDir::homePath() : set) + QLatin1String(AppDataFolderPath) +
-                QLatin1String(UserFolderPath));
+    return QDir(data + QLatin1String(UserFolderPath));
 }
 
 QDir getInitialDirectory()
@@ -143,4 +151,55 @@ QString documentsFolder()
     }
     const QString found = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     return found.isEmpty() || !QFileInfo(found).isDir() ? QDir::homePath() : found;
+}
+
+QStringList applicationFolders()
+{
+#ifdef Q_OS_MACOS
+    return {overrides().system + QStringLiteral("/Applications/")};
+#else
+    return {overrides().system + QStringLiteral("/opt/"),
+            homeFolder() + QStringLiteral("/Applications/")};
+#endif
+}
+
+QDir preferencesFolder()
+{
+#ifdef Q_OS_MACOS
+    return QDir(homeFolder() + DAWSettingBasePath);
+#else
+    return QDir(userFolder(QStandardPaths::GenericConfigLocation, "/.config"));
+#endif
+}
+
+QStringList commonVST3Folders()
+{
+#ifdef Q_OS_MACOS
+    const QString folder = QStringLiteral("/Library/Audio/Plug-Ins/VST3");
+    return {overrides().system + folder, homeFolder() + folder};
+#else
+    return {overrides().system + QStringLiteral("/usr/lib/vst3"),
+            overrides().system + QStringLiteral("/usr/local/lib/vst3"),
+            homeFolder() + QStringLiteral("/.vst3")};
+#endif
+}
+
+QString sharedDataFolder()
+{
+#ifdef Q_OS_MACOS
+    return overrides().system + QStringLiteral("/Library/Application Support");
+#else
+    return userFolder(QStandardPaths::GenericDataLocation, AppDataFolderPath);
+#endif
+}
+
+QString helperExecutable(const QString &bundle)
+{
+    const QString suffix = QStringLiteral(".app");
+    const QString name = bundle.section(QLatin1Char('/'), -1).remove(suffix);
+#ifdef Q_OS_MACOS
+    return bundle + QStringLiteral("/Contents/MacOS/") + name;
+#else
+    return bundle.left(bundle.lastIndexOf(QLatin1Char('/')) + 1) + name;
+#endif
 }

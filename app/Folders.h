@@ -3,6 +3,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 // Where things lie on this platform. Everything that depends on the machine's layout passes
 // through here, and a test can point all of it at a temporary machine.
@@ -23,6 +24,7 @@ struct MachineFolders
     QString shareFolder;   // installed resources
     QString libexecFolder; // installed helper programs
     QString documents;     // the user's documents
+    QString system;        // stands in front of the folders that all users share, as /opt
 };
 
 // Thread: GUI, before the folders are first asked for.
@@ -39,3 +41,17 @@ QDir getInitialDirectory();
 QDir getExecuteDirectory();
 // The user's documents folder, or the home folder if the platform knows none.
 QString documentsFolder();
+
+// What other makers' programs have on this machine. None of these need exist.
+
+// Where applications are installed, each with a "/" at its end, in the order of their search.
+QStringList applicationFolders();
+// The preferences of an application lie below it, in a folder of the application's name.
+QDir preferencesFolder();
+// Plug-ins that belong to no application, in the order of their search.
+QStringList commonVST3Folders();
+// Components that an application's maker shares among applications lie below it.
+QString sharedDataFolder();
+// The program of a helper that is named as a bundle, "folder/name.app". Where the platform has no
+// bundles it is "folder/name".
+QString helperExecutable(const QString &bundle);

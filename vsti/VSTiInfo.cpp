@@ -60,19 +60,16 @@ VSTiInfo::~VSTiInfo() = default;
 
 // --- Life and scan -------------------------------------------------------------------------------
 
-// No DAW is known on this platform yet, so the list shows "Other" alone.
-void VSTiInfo::searchDAW()
-{
-    dawSettings.clear();
-}
-
 void VSTiInfo::selectDAW(const QString &name)
 {
     const RecursiveMutexLocker locker(mutex);
     currentDAW = name;
+    dawSettingFolder = getDAWSettingFolder(dawSettings.value(name).first);
     parameterLists.clear();
     parameterMaps.clear();
     fileInfos.clear();
+    getVSTi2Folder();
+    getVSTi3Folder();
     QFile database(databaseFolder.filePath(DatabaseFileName));
     createParameterListFromDatabase(database);
 }

@@ -113,8 +113,20 @@ Q_SIGNALS:
     void analyzingVSTi(const QString &fileName);
 
 protected:
-    // The installed DAWs into dawSettings.
+    // The installed DAWs into dawSettings. A DAW that is installed later appears at the next start.
     void searchDAW();
+    // An application's preferences, existing or not.
+    QDir getDAWSettingFolder(const QString &applicationName) const;
+    // Edition and version, as the user sees them. fileStem: a settings file's name without ending
+    // and without the mark of the 64-bit files. Empty if the file stands for nothing to be listed.
+    QString getDAWDisplayNameFromSettingFileName(const QString &fileStem,
+                                                 const QString &versionText, float version) const;
+    // The current DAW's folders, existing or not, each once and its own in front; none without a
+    // DAW.
+    void getVSTi2Folder();
+    void getVSTi3Folder();
+    // What a settings file names, behind what vst2Folders holds. Nothing if it cannot be read.
+    void analyzeXmlToFindVST2Folders(const QString &filePath);
     // Presets for what is known by name only, and the three control groups.
     void appendPreset();
     void createParameterListFromPreset(QFile &file);

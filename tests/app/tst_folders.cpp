@@ -2,6 +2,7 @@
 #include "app/Folders.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QStandardPaths>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
@@ -14,8 +15,8 @@ private Q_SLOTS:
     {
         m_machine = std::make_unique<QTemporaryDir>();
         QVERIFY(m_machine->isValid());
-        setMachineFolders(
-            {path("home"), path("opt/bin"), path("share"), path("libexec"), path("home/Papers")});
+        setMachineFolders({path("home"), path("opt/bin"), path("share"), path("libexec"),
+                           path("home/Papers"), path("system")});
     }
     void cleanup()
     {
@@ -108,6 +109,39 @@ private Q_SLOTS:
         folders.executable.clear();
         setMachineFolders(folders);
         QCOMPARE(getExecuteDirectory().path(), QCoreApplication::applicationDirPath());
+    }
+
+    void otherMakersProgramsLieOnTheMachineOfATestsOwn()
+    {
+        QCOMPARE(applicationFolders(),
+                 QStringList({path("system/opt/"), path("home/Applications/")}));
+        QCOMPARE(preferencesFolder().path(), path("home/.config"));
+        QCOMPARE(commonVST3Folders(),
+                 QStringList({path("system/usr/lib/vst3"), path("system/usr/local/lib/vst3"),
+                              path("home/.vst3")}));
+        QCOMPARE(sharedDataFolder(), path("home/.local/share"));
+    }
+
+    void otherMakersProgramsOfTheRealMachineFollowTheEnvironment()
+    {
+        setMachineFolders({});
+        const QString home = QDir::homePath();
+        QCOMPARE(applicationFolders(),
+                 QStringList({QStringLiteral("/opt/"), home + QStringLiteral("/Applications/")}));
+        QCOMPARE(preferencesFolder().path(),
+                 QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
+        QCOMPARE(commonVST3Folders(), QStringList({QStringLiteral("/usr/lib/vst3"),
+                                                   QStringLiteral("/usr/local/lib/vst3"),
+                                                   home + QStringLiteral("/.vst3")}));
+        QCOMPARE(sharedDataFolder(),
+                 QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    }
+
+    void aHelpersProgramHasTheBundlesNameWithoutItsEnding()
+    {
+        QCOMPARE(helperExecutable(QStringLiteral("/usr/my.apps/some_tool.app")),
+                 QStringLiteral("/usr/my.apps/some_tool"));
+        QCOMPARE(helperExecutable(QStringLiteral("some_tool.app")), QStringLiteral("some_tool"));
     }
 #endif
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/Folders.h"
 #include "vsti/VSTiInfo.h"
 
 #include <QtCore/QDir>
@@ -65,6 +66,7 @@ class ScannedVSTiInfo : public VSTiInfo
 public:
     using VSTiInfo::VSTiInfo;
 
+    using VSTiInfo::analyzeXmlToFindVST2Folders;
     using VSTiInfo::appendParameterTemplateFromVSTXML;
     using VSTiInfo::appendParameterTree;
     using VSTiInfo::appendParameterTreeFromVSTXML;
@@ -72,14 +74,20 @@ public:
     using VSTiInfo::createParameterListFromDatabase;
     using VSTiInfo::createParameterListFromPreset;
     using VSTiInfo::currentDAW;
+    using VSTiInfo::dawSettingFolder;
     using VSTiInfo::dawSettings;
     using VSTiInfo::fileInfos;
+    using VSTiInfo::getDAWDisplayNameFromSettingFileName;
+    using VSTiInfo::getDAWSettingFolder;
     using VSTiInfo::getIntValue;
     using VSTiInfo::parameterLists;
     using VSTiInfo::parameterMaps;
     using VSTiInfo::scanResults;
+    using VSTiInfo::searchDAW;
     using VSTiInfo::updateParameterListFromVSTXMLData;
     using VSTiInfo::updateParameterListFromVSTXMLFile;
+    using VSTiInfo::vst2Folders;
+    using VSTiInfo::vst3Folders;
     using VSTiInfo::vstXmlData;
     using VSTiInfo::vstXmlFiles;
     using VSTiInfo::vstXmlPrimaryNames;
@@ -101,10 +109,22 @@ public:
     }
 };
 
-// A machine's three folders and some plug-ins, new for each test.
+// A machine with nothing on it but the program's three folders and some plug-ins, new for each
+// test. While it lives, every folder that is looked for lies in it.
 class VstiRig
 {
 public:
+    VstiRig()
+    {
+        MachineFolders folders;
+        folders.home = path("home");
+        folders.system = path("system");
+        setMachineFolders(folders);
+    }
+    ~VstiRig() { setMachineFolders({}); }
+    VstiRig(const VstiRig &) = delete;
+    VstiRig &operator=(const VstiRig &) = delete;
+
     QString path(const char *name) const { return m_folder.filePath(latin(name)); }
     QString database() const { return path("data/VSTiDatabase.xml"); }
     QString notSynthList() const { return path("data/NotSynthList.txt"); }
