@@ -15,7 +15,9 @@
 #include <QtCore/QStringList>
 
 #include <memory>
+#include <string>
 
+class CVSTiPathFinder;
 class QDomDocument;
 class QDomElement;
 class QFile;
@@ -79,6 +81,9 @@ public:
     // Makes a DAW current and loads what its section of the database still rightly says. The names
     // to show stay as they were until entryVSTiParameter(), which a scan always ends with.
     void selectDAW(const QString &name);
+    // Questions what is new in the DAW's plug-in folders, and keeps the answers until they are
+    // entered. May take a minute for each plug-in. Thread: a scan's, between the other two.
+    void analyzeVSTi();
     // Enters a scan's results, writes the database, and makes the names to show anew: those with a
     // file, sorted without regard to case, then the control groups.
     void entryVSTiParameter();
@@ -139,6 +144,16 @@ protected:
     void appendParameterTree(QList<Parameter> *list, const QString &vstiName,
                              const QDomElement &element, const QStringList &prefix);
 
+    // Lets the helper question one plug-in and takes its answer, or what is known by its name.
+    void getVSTiParamInfo(const QString &path, bool isVST2, CVSTiPathFinder *finder);
+    // toolPath: the helper as a bundle. noFallback: where the helper itself failed, nothing is
+    // recorded. Afterwards there is no result file. The result says whether there was an answer.
+    bool execVSTiInfoFinder(const QString &toolPath, const QString &pluginPath,
+                            const QString &resultPath, bool isVST2, CVSTiPathFinder *finder,
+                            bool noFallback);
+    // What is known by the file's name into the scan's results. False if nothing is.
+    bool entryVSTiPreset(const QString &path, bool isVST2, CVSTiPathFinder *finder);
+
     // A maker's parameter description into the lists of a name; ParameterDescription tells the
     // format. Primary: the description is the authority, renames what is known and adds the rest.
     // Otherwise only what is known stays, under the description's names and in its order, with the
@@ -179,11 +194,20 @@ protected:
     QHash<QString, QByteArray> vstXmlData; // name to the text of a parameter description
     QHash<QString, QString> vstXmlFiles;   // name to the path of one
     QStringList vstXmlPrimaryNames;        // names whose description is the authority
+    // How long the helper may take for one plug-in. Plug-ins hang.
+    int helperTimeoutMs = 60000;
 
 private:
     // One instrument of the database, which the stream has just begun. False if it does not count;
     // the stream then stands where it stood.
     bool createParameterListFromEntry(QXmlStreamReader *stream);
+    void questionVSTi(const std::string &path, bool isVST2, CVSTiPathFinder *finder);
+    // The instruments of a result file into the scan's results. namesCount: false where only those
+    // with a description count. False if the file is cut off or damaged; what stood before counts.
+    bool readScanResult(QFile *file, const QString &pluginPath, bool isVST2,
+                        CVSTiPathFinder *finder, bool namesCount);
+    void enterScanResult(const SVSTiInfo &info, const QString &name, const QString &pluginPath,
+                         CVSTiPathFinder *finder, bool namesCount);
     // The two ways of entering a description.
     void refineParameterList(const QList<Parameter> &described, const QString &vstiName);
     void extendParameterList(const QList<Parameter> &described, const QString &vstiName);
@@ -196,3 +220,9 @@ private:
 // The sum of the sizes of a file, or of all files in a bundle: links to files count as the files,
 // links to folders are not followed. 0 if there is nothing.
 qint64 getVSTiFileSize(const QFileInfo &fileInfo);
+
+// The next line of a scan's result file, trimmed. At the end of the file the error is set; once it
+// is set, nothing is read.
+QString getStringFromFile(QFile *file, bool *error);
+// The same as a decimal number; what is none sets the error and gives 0.
+int getIntFromFile(QFile *file, bool *error);

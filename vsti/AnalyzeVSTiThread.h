@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QtCore/QThread>
+
+class VSTiInfo;
+
+// Carries a scan. Owner: whoever starts it, who must not delete it before it has finished.
+class AnalyzeVSTiThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit AnalyzeVSTiThread(VSTiInfo *info, QObject *parent = nullptr);
+    // Waits for the end of the scan. What it wrote may be read from then on.
+    void join();
+
+protected:
+    void run() override;
+
+private:
+    VSTiInfo *const m_info;
+};
