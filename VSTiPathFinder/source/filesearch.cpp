@@ -42,9 +42,15 @@ Kind kindOf(const std::string &path, struct stat *status)
                                       : Kind::Nothing;
 }
 
+struct Entry
+{
+    std::string path;
+    bool isFile; // true: the listing itself says so, and the file need not be asked
+};
+
 // All entries, hidden ones too, in the order of the file system. They are taken before any of them
 // is looked at, so that no folder stays open on the way down. False if there is no listing.
-bool list(const std::string &dir, std::vector<std::string> *paths)
+bool list(const std::string &dir, std::vector<Entry> *entries)
 {
     std::error_code error;
     std::filesystem::directory_iterator entry(dir, error);
@@ -52,7 +58,9 @@ bool list(const std::string &dir, std::vector<std::string> *paths)
         return false;
     }
     for (const std::filesystem::directory_iterator end; entry != end; entry.increment(error)) {
-        paths->push_back(entry->path().native());
+        std::error_code unknown;
+        entries->push_back({entry->path().native(),
+                            !entry->is_symlink(unknown) && entry->is_regular_file(unknown)});
     }
     return true;
 }
@@ -291,13 +299,13 @@ bool CFileSearch::walkFolder(const std::string &dir, long depth, bool uniqueFile
             m_walkedFolders[id] = depth;
         }
     }
-    std::vector<std::string> paths;
-    if (!list(dir.back() == '/' ? dir : dir + '/', &paths)) {
+    std::vector<Entry> entries;
+    if (!list(dir.back() == '/' ? dir : dir + '/', &entries)) {
         return false;
     }
     const OpenFolder open(&m_openFolders, id);
-    for (const std::string &path : paths) {
-        SearchSubDirAndFile(path.c_str(), depth, uniqueFileName);
+    for (const Entry &entry : entries) {
+        searchEntry(entry.path, entry.isFile, depth, uniqueFileName);
     }
     return true;
 }
@@ -313,22 +321,24 @@ void CFileSearch::SearchSubDirAndFile(const char *path, long depth, bool uniqueF
     if (path == nullptr) {
         assertionFailed("SearchSubDirAndFile", NullEntryLine);
     }
-    if (!IsOKToKeepSearching(path, depth)) {
-        return;
-    }
-    const std::string text = path;
-    if (std::find(ignorableDirPaths.begin(), ignorableDirPaths.end(), text) !=
-        ignorableDirPaths.end()) {
+    searchEntry(path, false, depth, uniqueFileName);
+}
+
+void CFileSearch::searchEntry(const std::string &path, bool isFile, long depth, bool uniqueFileName)
+{
+    if (!IsOKToKeepSearching(path.c_str(), depth) ||
+        std::find(ignorableDirPaths.begin(), ignorableDirPaths.end(), path) !=
+            ignorableDirPaths.end()) {
         return;
     }
     struct stat status = {};
-    const Kind kind = kindOf(text, &status);
+    const Kind kind = isFile ? Kind::File : kindOf(path, &status);
     if (kind == Kind::Nothing) {
         return;
     }
-    AddPath(text, nullptr, uniqueFileName);
+    AddPath(path, nullptr, uniqueFileName);
     if (kind == Kind::Folder) {
-        SearchFiles(path, depth + 1, uniqueFileName);
+        SearchFiles(path.c_str(), depth + 1, uniqueFileName);
     }
 }
 

@@ -88,6 +88,8 @@ private:
     class OpenFolder;
 
     const SKeywordAndPaths *rowOf(unsigned index) const;
+    // isFile: true if that is known; otherwise it is found out.
+    void searchEntry(const std::string &path, bool isFile, long depth, bool uniqueFileName);
     bool walkFolder(const std::string &dir, long depth, bool uniqueFileName);
     bool hidesPathsBelow(const std::string &dir) const;
 

@@ -2,12 +2,16 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <fcntl.h>
@@ -19,6 +23,21 @@
 class PathRig
 {
 public:
+    PathRig() = default;
+    // Where folders are made, if not in the usual place for temporary ones.
+    explicit PathRig(const QString &within)
+        : m_folder(within + QStringLiteral("/trn-XXXXXX"))
+    {
+    }
+    ~PathRig()
+    {
+        // Qt cannot name all of it.
+        std::error_code error;
+        std::filesystem::remove_all(root(), error);
+    }
+    PathRig(const PathRig &) = delete;
+    PathRig &operator=(const PathRig &) = delete;
+
     std::string root() const { return QFile::encodeName(m_folder.path()).toStdString(); }
     std::string path(const std::string &below) const { return root() + '/' + below; }
 
@@ -61,6 +80,13 @@ public:
 private:
     QTemporaryDir m_folder;
 };
+
+// Where a hundred thousand files cost little: in memory, if there is such a place.
+inline QString folderForManyFiles()
+{
+    const QString memory = QStringLiteral("/dev/shm");
+    return QFileInfo(memory).isWritable() ? memory : QDir::tempPath();
+}
 
 // Permissions say nothing to the superuser, who is somebody else while one of these lives. What is
 // to be found must be open to all.
