@@ -305,7 +305,7 @@ void TestVSTiScan::exitCodes_data()
     }
     QTest::newRow("crash") << QByteArray("kill -SEGV $$\n") << false << true;
     QTest::newRow("crash after an answer")
-        << "printf '1\\nSome Synth\\n0\\n' > \"$2\"\nkill -ABRT $$\n"
+        << QByteArray("printf '1\\nSome Synth\\n0\\n' > \"$2\"\nkill -ABRT $$\n")
         << false << true;
 }
 
