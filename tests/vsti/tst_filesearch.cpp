@@ -630,7 +630,7 @@ void TestFileSearch::linksInACircleOfFoldersEnd()
     for (const char *name : {"x", "y", "z"}) {
         m_rig->link("../two", std::string("one/") + name);
         m_rig->link("../one", std::string("two/") + name);
-        m_rig->link("../..", std::string("two/up") + name);
+        m_rig->link("..", std::string("two/up") + name);
     }
     QElapsedTimer timer;
     timer.start();

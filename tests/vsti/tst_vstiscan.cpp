@@ -305,8 +305,7 @@ void TestVSTiScan::exitCodes_data()
     }
     QTest::newRow("crash") << QByteArray("kill -SEGV $$\n") << false << true;
     QTest::newRow("crash after an answer")
-        << QByteArray("printf '1\\nSome Synth\\n0\\n' > \"$2\"\nkill -ABRT $$\n")
-        << false << true;
+        << QByteArray("printf '1\\nSome Synth\\n0\\n' > \"$2\"\nkill -ABRT $$\n") << false << true;
 }
 
 void TestVSTiScan::exitCodes()
@@ -704,10 +703,13 @@ void TestVSTiScan::namesWithSeveralDotsAreTwoPlugIns()
 
 void TestVSTiScan::anOlderFormatIsTakenWhereTheLaterIsNoInstrument()
 {
+    // Found before, and recognised.
+    QVERIFY(writeBytes(m_rig->path("system/opt/.app/Contents/VST3/First.vst3"),
+                       says(answer({instrument("F")}))));
     QVERIFY(writeBytes(vst3("Some.vst3"), ends(4)));
     QVERIFY(writeBytes(vst2("Some.so"), says(answer({instrument("S2")}))));
     const auto info = scan();
-    QCOMPARE(info->results(), names({"S2 Some.so 2 0"}));
+    QCOMPARE(info->results(), names({"F First.vst3 3 0", "S2 Some.so 2 0"}));
     QCOMPARE(notSynths(), latin("Some.vst3\n"));
 }
 
