@@ -326,6 +326,7 @@ void TestVSTiScan::exitCodesOfFilesThatTheTableKnows_data()
     QTest::addColumn<bool>("isFound");
     QTest::addColumn<bool>("isListed");
     QTest::newRow("0, no file") << ends(0) << true << false;
+    QTest::newRow("0, empty file") << cutOff("") << true << false;
     QTest::newRow("0, no instrument") << says("0\n") << false << false;
     QTest::newRow("1") << ends(1) << true << false;
     QTest::newRow("2") << says(answer({instrument("Some")}), 2) << true << false;
