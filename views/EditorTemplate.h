@@ -9,6 +9,7 @@
 #include <array>
 #include <memory>
 
+class CLineEdit;
 class CRadioButton;
 class CSimpleNotifier;
 class CText;
@@ -70,7 +71,8 @@ public:
     // Gives the focus to the current knob.
     void focusKnob();
     // Ends what is being typed as Return does. Until then a name stands in its control alone, and
-    // whoever saves, asks about edits, or replaces the document would do so without it.
+    // whoever saves, asks about edits, or replaces the document would do so without it. A control
+    // that was entered and left as it is is no edit.
     void acceptTyping();
 
 public Q_SLOTS:
@@ -111,6 +113,7 @@ private:
     void loadFlash();
 
     // --- Display.
+    std::array<CLineEdit *, 3> lineEdits() const;
     bool isOtherDAW() const;
     // The template's knobs are remote parameters of an instrument that the DAW plays.
     bool isRemote() const;

@@ -40,7 +40,9 @@ void EditorTemplate::updateTemplateNumber(int number)
     // A drag would end on a knob of another template than it began on.
     QDrag::cancel();
     // What has been typed belongs to the template that it was typed for.
-    acceptTyping();
+    for (CLineEdit *edit : lineEdits()) {
+        edit->accept();
+    }
     ui->txtTemplateNumber->setText(
         QStringLiteral("Template No:%1").arg(number + 1, 2, 10, QLatin1Char('0')));
     {
@@ -56,9 +58,16 @@ void EditorTemplate::updateTemplateNumber(int number)
 
 void EditorTemplate::acceptTyping()
 {
-    for (CLineEdit *edit : {ui->editTemplateName, ui->editVSTiName, ui->editDisplayName}) {
-        edit->accept();
+    for (CLineEdit *edit : lineEdits()) {
+        if (edit->hasTyping()) {
+            edit->accept();
+        }
     }
+}
+
+std::array<CLineEdit *, 3> EditorTemplate::lineEdits() const
+{
+    return {ui->editTemplateName, ui->editVSTiName, ui->editDisplayName};
 }
 
 void EditorTemplate::selectKnob()

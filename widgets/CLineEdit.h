@@ -29,6 +29,9 @@ public:
     bool endTrim() const { return m_endTrim; }
     void setEndTrim(bool trim) { m_endTrim = trim; }
 
+    // An edit is under way, and has changed the text.
+    bool hasTyping() const { return m_editing && text() != m_savedText; }
+
     void assignMemAPI() override;
     void updateMemAPI() override;
 

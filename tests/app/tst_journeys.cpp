@@ -89,6 +89,8 @@ private Q_SLOTS:
     void whatIsBeingTypedIsSaved();
     void whatIsBeingTypedIsAnEdit_data();
     void whatIsBeingTypedIsAnEdit();
+    void aNameDecidesAboutTheInstrumentsDataOnceItIsTyped_data();
+    void aNameDecidesAboutTheInstrumentsDataOnceItIsTyped();
 
     // --- The library's way out
     void outOfTheLibraryOnline_data();
@@ -579,6 +581,37 @@ void TestJourneys::whatIsBeingTypedIsAnEdit()
     QVERIFY(answers.allGiven());
     QCOMPARE(m_rig->fileEditFlag(), 1);
     QCOMPARE(currentName(), Edited);
+}
+
+void TestJourneys::aNameDecidesAboutTheInstrumentsDataOnceItIsTyped_data()
+{
+    QTest::addColumn<bool>("types");
+    QTest::newRow("entered and left alone") << false;
+    QTest::newRow("typed") << true;
+}
+
+void TestJourneys::aNameDecidesAboutTheInstrumentsDataOnceItIsTyped()
+{
+    QFETCH(bool, types);
+    QVERIFY(m_rig->openWindow());
+    QCOMPARE(m_rig->fileEditFlag(), 0);
+    const InstrumentMemory before = m_rig->instrument().contents();
+    auto *line = m_rig->inWindow<CLineEdit>("editDisplayName");
+    m_rig->click(line);
+    QVERIFY(line->hasFocus());
+    if (types) {
+        line->selectAll();
+        QTest::keyClicks(line, Edited);
+    }
+    const int current = m_rig->currentTemplate();
+    QVERIFY(m_rig->wakePort());
+    // At their first meeting the instrument tells what there is, unless the editor has edits.
+    QCOMPARE(m_rig->instrument().counters().footers > 0, types);
+    QTRY_COMPARE(instrumentDiffers(Bank::EditBuffer, Bank::Stored), noDifference());
+    const InstrumentMemory after = m_rig->instrument().contents();
+    QCOMPARE(after.editBuffer == before.editBuffer, !types);
+    const auto &knob = after.editBuffer[static_cast<std::size_t>(current)].knobs[0];
+    QCOMPARE(knob.displayName.trimmed() == Edited.toLatin1(), types);
 }
 
 // --- The library's way out -----------------------------------------------------------------------
