@@ -12,25 +12,15 @@ class SharedObject
 public:
     // Functions are bound when they are called, as in hosts: a plug-in may lack one that it never
     // uses.
-    [[nodiscard]] bool load(const std::string &path)
-    {
-        m_handle = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
-        return m_handle != nullptr;
-    }
+    [[nodiscard]] bool load(const std::string &path);
     // Null if there is no such function.
-    template <typename Function>
+    template<typename Function>
     [[nodiscard]] Function function(const char *name) const
     {
         return reinterpret_cast<Function>(dlsym(m_handle, name));
     }
     [[nodiscard]] void *handle() const { return m_handle; }
-    void unload()
-    {
-        if (m_handle != nullptr) {
-            dlclose(m_handle);
-        }
-        m_handle = nullptr;
-    }
+    void unload();
 
 private:
     void *m_handle = nullptr;

@@ -7,7 +7,6 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
 
 namespace
@@ -28,9 +27,16 @@ QStringList namesOf(const ReportedInstrument &instrument)
     return names;
 }
 
+// Ended, whether or not somebody has asked for how it ended.
 bool isGone(pid_t pid)
 {
-    return kill(pid, 0) != 0 && errno == ESRCH;
+    QFile file("/proc/"_q + QString::number(pid) + "/stat"_q);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return true;
+    }
+    const QByteArray line = file.readAll();
+    const QByteArray state = line.mid(line.lastIndexOf(')') + 2, 1);
+    return state.isEmpty() || state == "Z" || state == "X";
 }
 
 void writeFile(const QString &path, const QByteArray &bytes)
