@@ -51,9 +51,9 @@ private:
 class PluginAnswer
 {
 public:
-    // More than an instrument with millions of parameters takes. A plug-in that never comes to an
+    // For one instrument, and more than a million parameters take. A plug-in that never comes to an
     // end would fill the memory first and the disk then.
-    static constexpr std::size_t MaximumBytes = 256 * 1024 * 1024;
+    static constexpr std::size_t MaximumBytes = 64 * 1024 * 1024;
 
     // Each class that was looked at ends in one of these two.
     void addInstrument(InstrumentRecord record);

@@ -14,7 +14,7 @@ public:
     // uses.
     [[nodiscard]] bool load(const std::string &path);
     // Null if there is no such function.
-    template<typename Function>
+    template <typename Function>
     [[nodiscard]] Function function(const char *name) const
     {
         return reinterpret_cast<Function>(dlsym(m_handle, name));

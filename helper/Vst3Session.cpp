@@ -288,6 +288,7 @@ ExitCode Vst3Session::readParameters(Vst::IEditController *controller, Instrumen
         return ExitCode::WouldNotGiveParameters;
     }
     const Units units = unitsOf(controller);
+    std::map<Vst::UnitID, std::vector<std::string>> paths;
     bool anyGiven = false;
     for (int index = 0; index < count; ++index) {
         Vst::ParameterInfo info = {};
@@ -305,7 +306,11 @@ ExitCode Vst3Session::readParameters(Vst::IEditController *controller, Instrumen
         if (isBlank(name)) {
             name = fieldText(info.shortTitle);
         }
-        const std::vector<std::string> groups = groupPath(units, info.unitId);
+        auto known = paths.find(info.unitId);
+        if (known == paths.end()) {
+            known = paths.emplace(info.unitId, groupPath(units, info.unitId)).first;
+        }
+        const std::vector<std::string> &groups = known->second;
         if ((info.flags & Vst::ParameterInfo::kIsBypass) != 0) {
             record->addBypass(name, groups);
         } else {

@@ -86,7 +86,7 @@ void TestHelperRealPlugins::vst2InstrumentsAreFoundWithTheirParameters_data()
                              << QStringList{"amp_attack"_q, "filter_cutoff"_q, "osc2_detune"_q};
     QTest::newRow("Nekobi") << "Nekobi-vst.so"_q
                             << "Nekobi"_q << 8
-                            << QStringList{"Waveform"_q, "Cutoff"_q, "Resonance"_q};
+                            << QStringList{"Waveform"_q, "VCF Resonance"_q, "Env Mod"_q};
     QTest::newRow("Kars") << "Kars-vst.so"_q
                           << "Kars"_q << 3 << QStringList{"Sustain"_q};
     QTest::newRow("ZynAddSubFX") << "ZynAddSubFX.so"_q

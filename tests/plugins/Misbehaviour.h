@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
 
 // The test plug-ins do what their own file name says, so that one binary under many names stands
@@ -132,13 +133,13 @@ inline void doDeed(const std::string &deed)
     }
 }
 
-inline void at(const char *stage)
+inline void at(std::string_view stage)
 {
-    const std::string &name = behaviour();
-    const std::string ending = std::string("-at-") + stage;
-    if (name.size() > ending.size() &&
-        name.compare(name.size() - ending.size(), ending.size(), ending) == 0) {
-        doDeed(name.substr(0, name.size() - ending.size()));
+    constexpr std::string_view Between = "-at-";
+    const std::string_view name = behaviour();
+    if (name.size() > stage.size() + Between.size() && name.ends_with(stage) &&
+        name.substr(0, name.size() - stage.size()).ends_with(Between)) {
+        doDeed(std::string(name.substr(0, name.size() - stage.size() - Between.size())));
     }
 }
 
