@@ -18,8 +18,10 @@
 #include <csignal>
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace
 {
@@ -118,26 +120,28 @@ ExitCode questionHere(PluginSession *session, const std::string &resultPath)
 
 // Children of this process, which has one thread. As the reaper of its descendants it has all of
 // them sooner or later, also those that have turned away from their parent.
-std::optional<pid_t> anyChild()
+std::vector<pid_t> children()
 {
     const std::string own = std::to_string(getpid());
-    std::ifstream children("/proc/" + own + "/task/" + own + "/children");
-    pid_t child = 0;
-    if (children >> child) {
-        return child;
-    }
-    return {};
+    std::ifstream file("/proc/" + own + "/task/" + own + "/children");
+    return {std::istream_iterator<pid_t>(file), std::istream_iterator<pid_t>()};
 }
 
 void endDescendants()
 {
     for (int round = 0; round < MaximumRoundsOfEnding; ++round) {
-        const std::optional<pid_t> child = anyChild();
-        if (!child) {
-            return;
+        bool anyEnded = false;
+        for (const pid_t child : children()) {
+            // One that has become another user's can't be ended, and must not be waited for.
+            if (kill(child, SIGKILL) != 0) {
+                continue;
+            }
+            anyEnded = true;
+            while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+            }
         }
-        kill(*child, SIGKILL);
-        while (waitpid(*child, nullptr, 0) < 0 && errno == EINTR) {
+        if (!anyEnded) {
+            return;
         }
     }
 }

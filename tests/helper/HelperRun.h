@@ -10,6 +10,7 @@
 #include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
 
+#include <csignal>
 #include <optional>
 #include <utility>
 
@@ -88,6 +89,21 @@ inline std::optional<QList<ReportedInstrument>> readReport(const QByteArray &byt
 class HelperRun
 {
 public:
+    HelperRun() = default;
+    HelperRun(const HelperRun &) = delete;
+    HelperRun &operator=(const HelperRun &) = delete;
+    // A test that fails leaves no plug-in running: not the process that it told of, if it is still
+    // the one that had this folder in its command line.
+    ~HelperRun()
+    {
+        const pid_t pid = processId();
+        QFile commandLine("/proc/"_q + QString::number(pid) + "/cmdline"_q);
+        if (pid > 0 && commandLine.open(QIODevice::ReadOnly) &&
+            commandLine.readAll().contains(QFile::encodeName(m_folder.path()))) {
+            kill(pid, SIGKILL);
+        }
+    }
+
     static QString program() { return QStringLiteral(TRN_BIN_DIR "/vif_tarn_tern_x64"); }
     static QString plugins() { return QStringLiteral(TRN_BIN_DIR "/tests/plugins"); }
 

@@ -4,10 +4,12 @@
 
 #include <QtTest/QtTest>
 
+#include <fcntl.h>
 #include <sys/types.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace
 {
@@ -646,6 +648,15 @@ void TestHelper::chatterGoesNowhere()
 void TestHelper::coreDumpsAndTerminalAreOutOfReach()
 {
     HelperRun helper;
+    // Started from a terminal, as a user may start the editor.
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    const auto closeMaster = qScopeGuard([master] { close(master); });
+    QVERIFY(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    const QByteArray terminal = ptsname(master);
+    helper.process.setChildProcessModifier([terminal] {
+        setsid();
+        open(terminal.constData(), O_RDWR);
+    });
     QVERIFY(helper.run(helper.plugin("vst2"_q, "surroundings"_q)));
     QCOMPARE(namesOf(helper.instrument()),
              QStringList({"no core dump"_q, "/dev/null"_q, "no terminal"_q}));
