@@ -22,9 +22,12 @@ constexpr std::size_t MaximumShellPlugins = 4096;
 // A plug-in asks from its entry, before there is anything to ask for, and from threads of its own.
 std::atomic<int> currentId{0};
 
-t_fstPtrInt copyText(void *to, const char *text)
+// How much room there is a plug-in doesn't say; the format grants 64 bytes.
+template <std::size_t size>
+t_fstPtrInt copyText(void *to, const char (&text)[size])
 {
-    std::strcpy(static_cast<char *>(to), text);
+    static_assert(size <= 64);
+    std::memcpy(to, text, size);
     return 1;
 }
 
