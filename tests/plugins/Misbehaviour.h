@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -88,30 +88,36 @@ inline void allocateWithoutEnd()
     }
 }
 
-// A child in a session of its own, out of reach of whoever ends the plug-in's process group.
+// A process in a session of its own, out of reach of whoever ends the plug-in's process group.
 inline void forkAway()
 {
-    const pid_t child = fork();
-    if (child == 0) {
+    int ends[2] = {-1, -1};
+    if (pipe(ends) != 0) {
+        return;
+    }
+    char byte = 0;
+    if (fork() == 0) {
         setsid();
         if (fork() == 0) {
             tellProcessId(getpid());
-            waitForEver();
+            if (write(ends[1], &byte, 1) == 1) {
+                waitForEver();
+            }
         }
         _exit(0);
     }
-    // Until the test can know of it.
-    while (std::getenv("TRN_TEST_PROCESS_ID") != nullptr &&
-           access(std::getenv("TRN_TEST_PROCESS_ID"), F_OK) != 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // Until it is there, and the test can know of it.
+    if (read(ends[0], &byte, 1) != 1) {
+        std::abort();
     }
 }
 
 inline void doDeed(const std::string &deed)
 {
     if (deed == "crash") {
-        volatile int *volatile nowhere = nullptr;
-        *nowhere = 1;
+        // Where nothing is mapped, and no compiler knows of it.
+        volatile std::uintptr_t nowhere = 8;
+        *reinterpret_cast<volatile int *>(nowhere) = 1;
     } else if (deed == "hang") {
         tellProcessId(getpid());
         waitForEver();
