@@ -23,6 +23,12 @@
 #include <optional>
 #include <vector>
 
+#ifdef TRN_COVERAGE
+extern "C" {
+#include <gcov.h>
+}
+#endif
+
 namespace
 {
 
@@ -111,6 +117,9 @@ ExitCode questionHere(PluginSession *session, const std::string &resultPath)
         }
     } catch (...) {
     }
+#ifdef TRN_COVERAGE
+    __gcov_dump();
+#endif
     // Neither the destructors of a plug-in that is still loaded nor those that it has registered.
     _exit(0);
 }
