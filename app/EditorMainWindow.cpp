@@ -181,7 +181,6 @@ QMenu *EditorMainWindow::addMenu(QMenu *parent, const QString &text)
     auto *menu = new QMenu(text, this);
     menu->setFont(font());
     menu->setCursor(cursor());
-    installTabCanceller(menu);
     if (parent != nullptr) {
         parent->addMenu(menu);
     }

@@ -63,7 +63,8 @@ public:
     void updateWindowSize();
     // Puts windowOnTop in force at the window system.
     void updateWindowStaysOnTop();
-    // Tab and Backtab go nowhere, in this widget and in all of its children.
+    // Tab and Backtab go nowhere, in this widget, in all of its children, and in the menus that
+    // open from any of these later.
     void installTabCanceller(QWidget *root);
 
     // Modal boxes; staying on top is suspended for their time, so that a box never hides.

@@ -233,7 +233,9 @@ bool EditorMainWindow::fileOpen(const QString &name)
         return false;
     }
     bool loaded = false;
-    if (QFile file(name); file.exists()) {
+    // By name, since the file's own word counts a link to nothing as there.
+    if (QFile::exists(name)) {
+        QFile file(name);
         QString error;
         remoteMemAPI->denyToRaiseFileEditFlag();
         loaded = EditorFile::load(remoteMemAPI, Bank::Stored, &file, true, &error);

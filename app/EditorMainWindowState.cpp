@@ -30,6 +30,7 @@
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 
 #include <algorithm>
@@ -223,6 +224,12 @@ bool EditorMainWindow::eventFilter(QObject *watched, QEvent *event)
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
             return true;
+        }
+    }
+    // A menu is made when it is asked for, some of them by the control itself.
+    if (event->type() == QEvent::ChildPolished) {
+        if (auto *menu = qobject_cast<QMenu *>(static_cast<QChildEvent *>(event)->child())) {
+            installTabCanceller(menu);
         }
     }
     return CFrame::eventFilter(watched, event);

@@ -2,6 +2,7 @@
 // Painting of the widgets against the bare drawing of the same things in the same run, and the time
 // that cutting a text takes by its length.
 
+#include "bench/Compare.h"
 #include "widgets/CListView.h"
 #include "widgets/CText.h"
 #include "widgets/CTextSlider.h"
@@ -17,12 +18,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-
 namespace
 {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr int RowHeight = 15;
 constexpr int RowPitch = 17;
@@ -31,38 +28,12 @@ constexpr QSize CellSize(71, 21);
 constexpr QSize SliderSize(44, 15);
 constexpr QSize BarSize(16, 191);
 
-double seconds(Clock::duration duration)
-{
-    return std::chrono::duration<double>(duration).count();
-}
-
 QFont benchFont(int pixelSize)
 {
     QFont font;
     font.setPixelSize(pixelSize);
     font.setStyleStrategy(QFont::NoAntialias);
     return font;
-}
-
-// Takes turns, so that both meet the same state of the machine. The reported time is the first's,
-// ratio how much longer it takes than the second.
-template <class Own, class Bare>
-void compare(benchmark::State &state, Own own, Bare bare)
-{
-    Clock::duration ownTime{0};
-    Clock::duration bareTime{0};
-    own();
-    bare();
-    for ([[maybe_unused]] auto step : state) {
-        const Clock::time_point start = Clock::now();
-        own();
-        const Clock::time_point middle = Clock::now();
-        bare();
-        bareTime += Clock::now() - middle;
-        ownTime += middle - start;
-        state.SetIterationTime(seconds(middle - start));
-    }
-    state.counters["ratio"] = seconds(ownTime) / seconds(bareTime);
 }
 
 // The picture of a widget's size that a repaint begins with.

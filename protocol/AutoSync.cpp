@@ -116,7 +116,6 @@ void AutoSync::showPort()
 void AutoSync::popupMidiPort()
 {
     auto *menu = new PulldownMenu(this, m_portNames);
-    mainWindow->installTabCanceller(menu);
     connect(menu, &PulldownMenu::chosen, this, &AutoSync::choosePort);
     menu->open(PopupMidiPortPosition, PopupMidiPortRoom);
 }

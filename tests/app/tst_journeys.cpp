@@ -90,6 +90,10 @@ private Q_SLOTS:
     void whatIsBeingTypedIsAnEdit_data();
     void whatIsBeingTypedIsAnEdit();
 
+    // --- The library's way out
+    void outOfTheLibraryOnline_data();
+    void outOfTheLibraryOnline();
+
     // --- Resets
     void resets_data();
     void resets();
@@ -575,6 +579,69 @@ void TestJourneys::whatIsBeingTypedIsAnEdit()
     QVERIFY(answers.allGiven());
     QCOMPARE(m_rig->fileEditFlag(), 1);
     QCOMPARE(currentName(), Edited);
+}
+
+// --- The library's way out -----------------------------------------------------------------------
+
+void TestJourneys::outOfTheLibraryOnline_data()
+{
+    QTest::addColumn<bool>("doubleClick");
+    QTest::addColumn<bool>("changes");
+    QTest::newRow("OK after a change") << false << true;
+    QTest::newRow("double click after a change") << true << true;
+    QTest::newRow("OK") << false << false;
+    QTest::newRow("double click") << true << false;
+}
+
+void TestJourneys::outOfTheLibraryOnline()
+{
+    QFETCH(bool, doubleClick);
+    QFETCH(bool, changes);
+    constexpr int Chosen = 9;
+    QVERIFY(start(true));
+    // In whose neighbourhood the list opens.
+    api().setParam(currentTemplateAddress(), Chosen - 2);
+    QTRY_COMPARE(m_rig->instrument().contents().currentTemplate, Chosen - 2);
+    m_rig->setFlag(ParamAddress::FileEditFlag, 0);
+    const InstrumentMemory instrumentBefore = m_rig->instrument().contents();
+    const QStringList contentBefore = document(api());
+    const auto before = m_rig->instrument().counters();
+    m_rig->window->viewLibrary();
+    auto *list = m_rig->libraryView()->findChild<CListView *>(QStringLiteral("listTemplate"));
+    QVERIFY(list->getItemRect(Chosen).isValid());
+    const QPoint row = list->getItemRect(Chosen).center();
+    QTest::mouseClick(list, Qt::LeftButton, {}, row);
+    if (changes) {
+        QVERIFY(m_rig->trigger(MenuEditInitialize));
+    }
+    QCOMPARE(m_rig->flag(ParamAddress::LibraryEditFlag), changes ? 1 : 0);
+    // Nothing of it is the instrument's matter yet.
+    QVERIFY(api().isONLINE());
+    QCOMPARE(document(api()), contentBefore);
+    if (doubleClick) {
+        QTest::mouseDClick(list, Qt::LeftButton, {}, row);
+    } else {
+        m_rig->click(m_rig->libraryView()->findChild<QWidget *>(QStringLiteral("btnOK")));
+    }
+    QVERIFY(!m_rig->showsLibrary());
+    QCOMPARE(m_rig->currentTemplate(), Chosen);
+    QCOMPARE(m_rig->flag(ParamAddress::LibraryEditFlag), 0);
+    QCOMPARE(m_rig->fileEditFlag(), changes ? 1 : 0);
+    QCOMPARE(api().isONLINE(), !changes);
+    QCOMPARE(m_rig->anyPanel() != nullptr, changes);
+    if (changes) {
+        QVERIFY(m_rig->synchronise());
+    }
+    QTRY_COMPARE(m_rig->instrument().contents().currentTemplate, Chosen);
+    const auto after = m_rig->instrument().counters();
+    QCOMPARE(after.footers, before.footers + (changes ? 50 : 0));
+    QCOMPARE(after.stores, before.stores);
+    QCOMPARE(after.storesToFlash, before.storesToFlash);
+    const InstrumentMemory memory = m_rig->instrument().contents();
+    QCOMPARE(differences(api(), Bank::EditBuffer, memory.editBuffer), QList<int>());
+    QVERIFY(memory.stored == instrumentBefore.stored);
+    QCOMPARE(memory.editBuffer == instrumentBefore.editBuffer, !changes);
+    QVERIFY(m_rig->isFree());
 }
 
 // --- Resets --------------------------------------------------------------------------------------

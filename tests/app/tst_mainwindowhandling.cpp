@@ -10,7 +10,9 @@
 
 #include <QtCore/QMimeData>
 #include <QtGui/QClipboard>
+#include <QtGui/QContextMenuEvent>
 #include <QtGui/QScreen>
+#include <QtWidgets/QListWidget>
 
 // The window in its user's hands: its two sizes, dragging, staying on top, its boxes, its keys, and
 // which of its menus' entries are on. The pointer is the X server's own, and what the window
@@ -80,6 +82,10 @@ private Q_SLOTS:
     void tabAndBacktabDoNothingAnywhere();
     void tabAndBacktabDoNothingInMenus_data();
     void tabAndBacktabDoNothingInMenus();
+    void tabAndBacktabDoNothingInContextMenus_data();
+    void tabAndBacktabDoNothingInContextMenus();
+    void tabAndBacktabDoNothingInPopups_data();
+    void tabAndBacktabDoNothingInPopups();
     void keysOfTheMenusAreOffWhileAPanelStands();
 
     // --- Views
@@ -509,6 +515,94 @@ void TestMainWindowHandling::tabAndBacktabDoNothingInMenus()
     menu->close();
     m_rig->window.reset();
     m_rig->api.reset();
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInContextMenus_data()
+{
+    QTest::addColumn<bool>("library");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("knob") << false << QStringLiteral("btnKnobB2");
+    QTest::newRow("template") << true << QStringLiteral("listTemplate");
+    QTest::newRow("name of the template") << false << QStringLiteral("editTemplateName");
+    QTest::newRow("name of the knob") << false << QStringLiteral("editDisplayName");
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInContextMenus()
+{
+    QFETCH(bool, library);
+    QFETCH(QString, name);
+    if (library) {
+        m_rig->window->viewLibrary();
+    }
+    auto *widget = m_rig->window->findChild<QWidget *>(name);
+    QVERIFY(widget != nullptr && widget->isVisible());
+    // The menu runs an event loop of its own.
+    bool came = false;
+    QStringList moved;
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &poll, [&] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        if (menu == nullptr) {
+            return;
+        }
+        poll.stop();
+        came = true;
+        for (QAction *action : menu->actions()) {
+            if (!action->isEnabled() || action->isSeparator()) {
+                continue;
+            }
+            menu->setActiveAction(action);
+            for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+                QTest::keyClick(menu, key);
+                if (menu->activeAction() != action) {
+                    moved.append(action->text());
+                }
+            }
+        }
+        menu->close();
+    });
+    poll.start(5);
+    const QPoint centre = widget->rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, centre, widget->mapToGlobal(centre));
+    QCoreApplication::sendEvent(widget, &event);
+    QVERIFY(came);
+    QCOMPARE(moved, QStringList());
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInPopups_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("templates") << QStringLiteral("btnTemplate");
+    QTest::newRow("control changes") << QStringLiteral("btnCCNumberAndDisplayName");
+}
+
+void TestMainWindowHandling::tabAndBacktabDoNothingInPopups()
+{
+    QFETCH(QString, button);
+    auto *opener = m_rig->window->findChild<QWidget *>(button);
+    bool stays = false;
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &poll, [&] {
+        const QPointer<QWidget> popup = QApplication::activePopupWidget();
+        if (popup == nullptr) {
+            return;
+        }
+        poll.stop();
+        auto *view = popup->findChild<QListWidget *>();
+        const int row = view->currentRow();
+        const QPointer<QWidget> focused = QApplication::focusWidget();
+        for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+            QTest::keyClick(popup->windowHandle(), key);
+        }
+        stays = popup != nullptr && popup->isVisible() && view->currentRow() == row &&
+                focused == view && QApplication::focusWidget() == view;
+        if (popup != nullptr) {
+            popup->close();
+        }
+    });
+    poll.start(5);
+    m_rig->click(opener);
+    QTRY_VERIFY(stays);
 }
 
 void TestMainWindowHandling::keysOfTheMenusAreOffWhileAPanelStands()
