@@ -15,6 +15,7 @@
 #include <memory>
 
 class About;
+class AnalyzeVSTi;
 class AutoSync;
 class CSimpleNotifier;
 class EditorLibrary;
@@ -31,6 +32,7 @@ class QMenuBar;
 class RemoteMemAPI;
 class ResetStoredConfirm;
 class RestoreHWConfirm;
+class Setup;
 class StoreConfirm;
 namespace Ui
 {
@@ -81,6 +83,7 @@ public:
              QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
 
     // --- Panels; each opens, or is remembered until the window is free.
+    // Looks for the instruments of the DAW in use.
     void analyzeVSTi();
     // The arguments go to the panel: editor to device, edit buffer only.
     void autoSync(bool editorToDevice, bool editBufferOnly);
@@ -98,6 +101,8 @@ public:
     void setPortName(const QString &name) { portName = name; }
 
     // --- DAW.
+    // A name that is not on the list is none. A DAW that was not in use is looked through for
+    // instruments.
     void setDAWName(const QString &name);
     QString getDAWName() const { return dawName; }
     QStringList getDAWList() const { return dawList; }
@@ -206,6 +211,8 @@ private:
     // A reset's question or About: the library's keys are off while it stands.
     template <typename PanelType>
     void showModalPanel(QPointer<PanelType> *guard);
+    // Both views, of what is known of the DAW's instruments.
+    void updateDAW();
     // Runs a modal box or dialog with staying on top suspended, so that it never hides.
     template <typename Show>
     auto aboveAll(Show show);
@@ -252,7 +259,9 @@ private:
     bool midiRouteOpen = false;
     EditorTemplate *editorTemplate = nullptr;
     EditorLibrary *editorLibrary = nullptr;
+    QPointer<AnalyzeVSTi> analyzeVSTiPanel;
     QPointer<AutoSync> autoSyncPanel;
+    QPointer<Setup> setupPanel;
     QPointer<About> aboutPanel;
     QPointer<CloseConfirm> closeConfirmPanel;
     QPointer<PortOpenError> portOpenErrorPanel;

@@ -13,6 +13,7 @@
 #include "views/FactorysetConfirm.h"
 #include "views/ResetStoredConfirm.h"
 #include "views/RestoreHWConfirm.h"
+#include "views/Setup.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
@@ -303,13 +304,23 @@ bool EditorMainWindow::storeBank(bool send)
 
 // --- Setup and database --------------------------------------------------------------------------
 
-// The panel joins with the search for instruments, which it sets up.
-void EditorMainWindow::fileSetup() {}
+void EditorMainWindow::fileSetup()
+{
+    if (!isWindowLocked()) {
+        showPanel(&setupPanel);
+    }
+}
 
 void EditorMainWindow::setDAWName(const QString &name)
 {
-    dawName = name;
+    const QString former = std::exchange(dawName, dawList.contains(name) ? name : QString());
     settings.setValue(QStringLiteral("DAWName"), dawName);
+    actionFileVSTiDatabase->setEnabled(canVstiscan());
+    if (!isBrandholmDAW()) {
+        updateDAW();
+    } else if (dawName != former) {
+        analyzeVSTi();
+    }
 }
 
 bool EditorMainWindow::isBrandholmDAW() const

@@ -20,7 +20,9 @@
 #include "views/PortOpenError.h"
 #include "views/ResetStoredConfirm.h"
 #include "views/RestoreHWConfirm.h"
+#include "views/Setup.h"
 #include "views/StoreConfirm.h"
+#include "vsti/AnalyzeVSTi.h"
 
 #include <QtCore/QFileInfo>
 #include <QtGui/QCloseEvent>
@@ -345,14 +347,26 @@ void EditorMainWindow::modalDialogClosed()
     }
 }
 
-// The instruments of a DAW are looked for by a panel; a machine without a DAW has none to show.
 void EditorMainWindow::analyzeVSTi()
 {
-    if (isWindowLocked()) {
-        analyzeVSTiPending = true;
+    // A panel that refuses to close, in a window that nobody sees any more, would keep the program
+    // from ending.
+    if (closing) {
         return;
     }
-    analyzeVSTiPending = false;
+    analyzeVSTiPending = isWindowLocked();
+    if (analyzeVSTiPending) {
+        return;
+    }
+    const bool isNew = analyzeVSTiPanel.isNull();
+    showPanel(&analyzeVSTiPanel, dawName);
+    if (isNew) {
+        connect(analyzeVSTiPanel, &AnalyzeVSTi::finished, this, &EditorMainWindow::updateDAW);
+    }
+}
+
+void EditorMainWindow::updateDAW()
+{
     editorTemplate->updateDAW();
     editorLibrary->updateDAW();
 }
@@ -421,10 +435,14 @@ bool EditorMainWindow::hasUnsavedEdits() const
 void EditorMainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore();
+    if (analyzeVSTiPanel && !analyzeVSTiPanel->close()) {
+        return;
+    }
     if (autoSyncPanel && !autoSyncPanel->close()) {
         return;
     }
-    EditorOverlap *const others[] = {aboutPanel,
+    EditorOverlap *const others[] = {setupPanel,
+                                     aboutPanel,
                                      portOpenErrorPanel,
                                      portNotFoundPanel,
                                      resetStoredConfirmPanel,

@@ -5,7 +5,9 @@
 
 class VSTiInfo;
 
-// Carries a scan. Owner: whoever starts it, who must not delete it before it has finished.
+// Carries a scan. Owner: whoever starts it, who must not delete it before it has finished, and ends
+// it before its time by requestInterruption() and join(): within a tenth of a second and the time of
+// walking through the folders, the helper's process included.
 class AnalyzeVSTiThread : public QThread
 {
     Q_OBJECT

@@ -82,7 +82,8 @@ public:
     // to show stay as they were until entryVSTiParameter(), which a scan always ends with.
     void selectDAW(const QString &name);
     // Questions what is new in the DAW's plug-in folders, and keeps the answers until they are
-    // entered. May take a minute for each plug-in. Thread: a scan's, between the other two.
+    // entered. May take a minute for each plug-in; ends early, with what it has until then, if the
+    // thread is told to. Thread: a scan's, between the other two.
     void analyzeVSTi();
     // Enters a scan's results, writes the database, and makes the names to show anew: those with a
     // file, sorted without regard to case, then the control groups.

@@ -28,17 +28,24 @@
 #include "app/Constants.h"
 #include "app/Folders.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QSet>
+#include <QtCore/QThread>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 namespace
@@ -51,6 +58,10 @@ const QString _k_tamberlinePath = QStringLiteral("/Brandholm/Components/Tamberli
 // The helper writes half of this at most.
 constexpr qint64 MaximumResultBytes = 128 * 1024 * 1024;
 constexpr int IdDigits = 9;
+// How often one looks whether a scan is still wanted.
+constexpr int LookUpMs = 100;
+// What a helper that is told to end may take to end what the plug-in has started.
+constexpr int GraceMs = 1000;
 
 enum HelperExit : unsigned {
     List = 0,
@@ -78,6 +89,39 @@ std::vector<std::string> bytesOf(const QList<QDir> &folders)
     return paths;
 }
 
+// The program ends, and a scan has no time left. What it has not come to is then neither found nor
+// excluded.
+bool isAbandoned()
+{
+    return QThread::currentThread()->isInterruptionRequested();
+}
+
+// False if the process did not end by itself in time.
+bool waitForEnd(QProcess *process, int timeoutMs)
+{
+    const QDeadlineTimer deadline(timeoutMs);
+    while (!process->waitForFinished(
+        static_cast<int>(std::min<qint64>(deadline.remainingTime(), LookUpMs)))) {
+        if (process->state() == QProcess::NotRunning || deadline.hasExpired() || isAbandoned()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// In the child: a process group of its own, and no life beyond this program's. It is asked to end
+// and not killed, so that it takes along what it has started itself.
+void leaveGroupAndFollow([[maybe_unused]] pid_t parent)
+{
+    ::setpgid(0, 0);
+#ifdef Q_OS_LINUX
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent) {
+        ::_exit(EXIT_FAILURE);
+    }
+#endif
+}
+
 // Runs a program in a process group of its own, with nothing to read and nobody to listen, and
 // leaves none of the group behind. Its exit code; nothing if it crashed, did not end in time, or
 // could not be started.
@@ -87,10 +131,15 @@ std::optional<unsigned> run(const QString &program, const QStringList &arguments
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    process.setChildProcessModifier([parent = ::getpid()] { leaveGroupAndFollow(parent); });
     process.start(program, arguments, QIODevice::ReadWrite);
     const auto group = static_cast<pid_t>(process.processId());
-    const bool hasEnded = process.waitForFinished(timeoutMs);
+    const bool hasEnded = waitForEnd(&process, timeoutMs);
+    if (!hasEnded && group > 0) {
+        // The helper also reaches those that have left its group.
+        process.terminate();
+        process.waitForFinished(GraceMs);
+    }
     if (group > 0) {
         ::kill(-group, SIGKILL);
     }
@@ -164,6 +213,9 @@ void VSTiInfo::analyzeVSTi()
     }
 
     for (const std::string &path : vst3Paths) {
+        if (isAbandoned()) {
+            return;
+        }
         questionVSTi(path, false, &finder);
         std::string name;
         if (!scanResults->isEmpty() && scanResults->constLast().path.toStdString() == path &&
@@ -172,6 +224,9 @@ void VSTiInfo::analyzeVSTi()
         }
     }
     for (const std::string &path : vst2Paths) {
+        if (isAbandoned()) {
+            return;
+        }
         // A plug-in that is there in both formats is taken as VST3.
         if (vst3Names.contains(QFileInfo(QFile::decodeName(path.c_str())).baseName())) {
             finder.AddNotSynthList(path);
@@ -211,7 +266,8 @@ bool VSTiInfo::execVSTiInfoFinder(const QString &toolPath, const QString &plugin
     const std::optional<unsigned> code =
         run(helperExecutable(toolPath), {pluginPath, resultPath}, helperTimeoutMs);
     bool result = false;
-    bool isFallback = !code.has_value();
+    // One that was ended in the middle has said nothing.
+    bool isFallback = !code.has_value() && !isAbandoned();
     switch (code.value_or(NoAudioClass + 1)) {
     case List:
     case NamesSayNothing: {
