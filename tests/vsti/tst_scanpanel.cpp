@@ -73,7 +73,7 @@ private Q_SLOTS:
 
     void whatWaitsComesInItsOrder();
     void atStartTheMissingPortIsToldAfterTheScan();
-    void aRefusedPortIsToldAfterTheScanAtStart();
+    void atStartTheSynchronisationFollowsTheScan();
     void aScanWaitsForThePanelThatStands();
     void afterTheWindowHasClosedNoScanBegins();
     void theFileOfTheCommandLineWaitsForTheScan();
@@ -130,7 +130,6 @@ void TestScanPanel::init()
 
 void TestScanPanel::cleanup()
 {
-    LoopbackHub::instance().setRefusing(false);
     m_rig.reset();
     QVERIFY(!DawMachine::isRunning(m_machine->helperProcess()));
     m_gate.reset();
@@ -403,11 +402,9 @@ void TestScanPanel::whatWaitsComesInItsOrder()
 
 void TestScanPanel::atStartTheMissingPortIsToldAfterTheScan()
 {
-    LoopbackHub::instance().setRefusing(false);
-    MainWindowRig::store("DAWName", DawMachine::daw());
+    m_rig.reset(); // and with it the instrument
     auto rig = std::make_unique<MainWindowRig>();
     MainWindowRig::store("DAWName", DawMachine::daw());
-    m_rig.reset(); // and with it the instrument
     rig->makeWindow(true);
     QVERIFY(rig->panel<AnalyzeVSTi>() != nullptr);
     QVERIFY(rig->panel<PortNotFound>() == nullptr);
@@ -418,16 +415,16 @@ void TestScanPanel::atStartTheMissingPortIsToldAfterTheScan()
     QVERIFY(rig->isFree());
 }
 
-void TestScanPanel::aRefusedPortIsToldAfterTheScanAtStart()
+void TestScanPanel::atStartTheSynchronisationFollowsTheScan()
 {
-    LoopbackHub::instance().setRefusing(true);
     MainWindowRig::store("DAWName", DawMachine::daw());
     m_rig->makeWindow(true);
-    QVERIFY(m_rig->panel<PortOpenError>() == nullptr);
+    QVERIFY(panel() != nullptr);
+    QVERIFY(m_rig->panel<AutoSync>() == nullptr);
     QVERIFY(m_rig->showWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(m_rig->panel<PortOpenError>() != nullptr, WaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->panel<AutoSync>() != nullptr, WaitMs);
     QVERIFY(panel() == nullptr);
-    QVERIFY(m_rig->closePanel<PortOpenError>());
+    QVERIFY(m_rig->synchronise());
     QVERIFY(m_rig->isFree());
 }
 
@@ -656,7 +653,8 @@ void TestScanPanel::aRealParameterGoesOnAKnob()
             ParamAddress(Bank::EditBuffer, current, 1, ParamAddress::RemoteNumber));
     };
     QCOMPARE(id(), CutoffId);
-    QTRY_COMPARE(m_rig->inWindow<CText>("txtKnobB1")->text(), QStringLiteral("Cutoff"));
+    QTRY_COMPARE(m_rig->templateView()->findChild<CText *>(QStringLiteral("txtKnobB1"))->text(),
+                 QStringLiteral("Cutoff"));
     QTRY_COMPARE(m_rig->inWindow<CLineEdit>("txtRemoteControlParameter")->text(),
                  QStringLiteral("Filter - Cutoff"));
 
@@ -675,7 +673,8 @@ void TestScanPanel::aRealParameterGoesOnAKnob()
     QVERIFY(id() != CutoffId);
     QVERIFY(m_rig->window->fileOpen(file));
     QCOMPARE(id(), CutoffId);
-    QTRY_COMPARE(m_rig->inWindow<CText>("txtKnobB1")->text(), QStringLiteral("Cutoff"));
+    QTRY_COMPARE(m_rig->templateView()->findChild<CText *>(QStringLiteral("txtKnobB1"))->text(),
+                 QStringLiteral("Cutoff"));
     QVERIFY(answers.allGiven());
 }
 
