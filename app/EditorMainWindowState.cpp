@@ -358,11 +358,9 @@ void EditorMainWindow::analyzeVSTi()
     if (analyzeVSTiPending) {
         return;
     }
-    const bool isNew = analyzeVSTiPanel.isNull();
     showPanel(&analyzeVSTiPanel, dawName);
-    if (isNew) {
-        connect(analyzeVSTiPanel, &AnalyzeVSTi::finished, this, &EditorMainWindow::updateDAW);
-    }
+    connect(analyzeVSTiPanel, &AnalyzeVSTi::finished, this, &EditorMainWindow::updateDAW,
+            Qt::UniqueConnection);
 }
 
 void EditorMainWindow::updateDAW()

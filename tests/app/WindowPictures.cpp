@@ -3,6 +3,11 @@
 #include "cli/LoopbackInstrument.h"
 #include "protocol/AutoSync.h"
 #include "views/PulldownMenu.h"
+#include "views/RunningLight.h"
+#include "views/Setup.h"
+#include "vsti/AnalyzeVSTi.h"
+#include "vsti/DawMachine.h"
+#include "widgets/CLineEdit.h"
 
 #include <QtCore/QDir>
 
@@ -26,6 +31,9 @@ public:
         QApplication::setCursorFlashTime(0); // a cursor that is there, whenever one looks
         timings().connectionWatcherPeriodMs = 600000;
         timings().lastDumpsTimeoutMs = 50;
+        m_machine.install(DawMachine::otherDaw());
+        m_machine.plugin(QStringLiteral("Halcyon.vst3"), DawMachine::saysInstrument("Halcyon"));
+        MainWindowRig::store("DAWName", OtherDAW);
     }
     bool takeAll()
     {
@@ -38,7 +46,9 @@ public:
         menus();
         popups();
         panels();
+        setup();
         synchronisation();
+        scan();
         return m_isGood;
     }
 
@@ -69,12 +79,15 @@ private:
     void popups()
     {
         EditorTemplate *view = m_rig.templateView();
-        const std::pair<const char *, std::function<void()>> all[] = {
+        openPopups({
             {"popup-template", [view] { view->popupTemplate(); }},
             {"popup-instrument", [view] { view->popupVSTiName(); }},
             {"popup-parameter", [view] { view->popupRemoteControlParameter(); }},
             {"popup-cc", [view] { view->popupCCNumberAndDisplayName(); }},
-        };
+        });
+    }
+    void openPopups(const QList<std::pair<const char *, std::function<void()>>> &all)
+    {
         for (const auto &[name, open] : all) {
             // It runs an event loop of its own.
             QTimer::singleShot(0, m_rig.window.get(), [this, name = name] {
@@ -116,6 +129,48 @@ private:
         window->viewTemplate();
         m_rig.api->setBankAvailableFlag(0, Bank::HardwareStored);
         m_rig.api->setBankAvailableFlag(0, Bank::HardwareEditBuffer);
+    }
+    void setup()
+    {
+        m_rig.window->fileSetup();
+        take("panel-setup");
+        const std::pair<const char *, void (Setup::*)()> all[] = {
+            {"popup-setup-port", &Setup::popupMidiPort},
+            {"popup-setup-daw", &Setup::popupDAWName},
+        };
+        for (const auto &[name, open] : all) {
+            (m_rig.panel<Setup>()->*open)();
+            const QPointer<PulldownMenu> menu = m_rig.anyPanel()->findChild<PulldownMenu *>();
+            QCoreApplication::sendPostedEvents();
+            check(menu != nullptr && menu->isVisible(), name);
+            if (menu != nullptr) {
+                menu->setActiveAction(menu->actions().last());
+                take(name, menu);
+                menu->close();
+                QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            }
+        }
+        closePanel();
+    }
+    void scan()
+    {
+        m_rig.window->setDAWName(DawMachine::daw());
+        auto *panel = m_rig.panel<AnalyzeVSTi>();
+        check(panel != nullptr, "the scan");
+        if (panel == nullptr) {
+            return;
+        }
+        // As in its middle, wherever the clock and the plug-ins are.
+        panel->analyze(QStringLiteral("Halcyon.vst3"));
+        (void)drawRunningLight(m_rig.inPanel<QLabel>("lblAnimation"),
+                               artwork(":/images/trn_led_autosync.png"), 25);
+        take("panel-scan");
+        check(QTest::qWaitFor([this] { return m_rig.anyPanel() == nullptr; }, WaitMs),
+              "the end of the scan");
+        m_rig.inWindow<CLineEdit>("editVSTiName")->setText(QStringLiteral("Halcyon"));
+        openPopups({{"popup-instrument-found", [this] { m_rig.templateView()->popupVSTiName(); }},
+                    {"popup-parameter-found",
+                     [this] { m_rig.templateView()->popupRemoteControlParameter(); }}});
     }
     void synchronisation()
     {
@@ -185,6 +240,7 @@ private:
     }
 
     QDir m_folder;
+    DawMachine m_machine;
     LoopbackInstrument m_loopback;
     MainWindowRig m_rig;
     bool m_isGood = true;

@@ -7,6 +7,8 @@
 #include "memory/ControlTemplateData.h"
 #include "protocol/AutoSync.h"
 #include "views/PortNotFound.h"
+#include "vsti/AnalyzeVSTi.h"
+#include "vsti/DawMachine.h"
 #include "widgets/CLineEdit.h"
 #include "widgets/CListView.h"
 
@@ -94,6 +96,8 @@ private Q_SLOTS:
     void theStoredOnTop();
     void theStoredDAW_data();
     void theStoredDAW();
+    void theStoredDAWOfTwo_data();
+    void theStoredDAWOfTwo();
     void theStoredPort_data();
     void theStoredPort();
     void theStoredWorkingFolder_data();
@@ -694,6 +698,39 @@ void TestMainWindow::theStoredDAW()
     QCOMPARE(MainWindowRig::stored("DAWName"), stored);
 }
 
+void TestMainWindow::theStoredDAWOfTwo_data()
+{
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<QString>("chosen");
+    QTest::newRow("absent") << QVariant() << DawMachine::otherDaw();
+    QTest::newRow("the first") << QVariant(DawMachine::otherDaw()) << DawMachine::otherDaw();
+    QTest::newRow("the second") << QVariant(DawMachine::daw()) << DawMachine::daw();
+    QTest::newRow("in another case")
+        << QVariant(DawMachine::daw().toUpper()) << DawMachine::otherDaw();
+    QTest::newRow("one that is not installed")
+        << QVariant(QStringLiteral("Trevia 5")) << DawMachine::otherDaw();
+    QTest::newRow("Other") << QVariant(OtherDAW) << OtherDAW;
+}
+
+void TestMainWindow::theStoredDAWOfTwo()
+{
+    QFETCH(const QVariant, stored);
+    QFETCH(const QString, chosen);
+    const DawMachine machine;
+    machine.install(DawMachine::otherDaw());
+    if (stored.isValid()) {
+        MainWindowRig::store("DAWName", stored);
+    }
+    m_rig->makeWindow();
+    QCOMPARE(m_rig->window->getDAWList(),
+             (QStringList{OtherDAW, DawMachine::otherDaw(), DawMachine::daw()}));
+    QCOMPARE(m_rig->window->getDAWName(), chosen);
+    QCOMPARE(m_rig->panel<AnalyzeVSTi>() != nullptr, chosen != OtherDAW);
+    QCOMPARE(m_rig->entry(MenuFileVSTiDatabase)->isEnabled(), chosen != OtherDAW);
+    QCOMPARE(MainWindowRig::stored("DAWName"), stored);
+    m_rig->window.reset();
+}
+
 void TestMainWindow::theStoredPort_data()
 {
     QTest::addColumn<QVariant>("stored");
@@ -829,14 +866,19 @@ void TestMainWindow::theDestructorWritesTheSettings()
 
 void TestMainWindow::aChosenDAWIsWrittenAtOnce()
 {
+    const DawMachine machine;
+    MainWindowRig::store("DAWName", OtherDAW);
     m_rig->makeWindow();
-    m_rig->window->setDAWName(QStringLiteral("Brandholm Trevia"));
-    QCOMPARE(MainWindowRig::stored("DAWName").toString(), QStringLiteral("Brandholm Trevia"));
+    m_rig->window->setDAWName(DawMachine::daw());
+    QCOMPARE(MainWindowRig::stored("DAWName").toString(), DawMachine::daw());
     QVERIFY(m_rig->window->isBrandholmDAW());
     m_rig->window->setDAWName(OtherDAW);
+    QCOMPARE(MainWindowRig::stored("DAWName").toString(), OtherDAW);
     QVERIFY(!m_rig->window->isBrandholmDAW());
     m_rig->window->setDAWName(QString());
+    QCOMPARE(MainWindowRig::stored("DAWName").toString(), QString());
     QVERIFY(!m_rig->window->isBrandholmDAW());
+    m_rig->window.reset();
 }
 
 // --- Menus ---------------------------------------------------------------------------------------

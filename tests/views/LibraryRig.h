@@ -9,6 +9,7 @@
 #include "memory/CSimpleNotifier.h"
 #include "memory/RemoteMemAPI.h"
 #include "views/EditorLibrary.h"
+#include "vsti/DawMachine.h"
 #include "widgets/CListView.h"
 #include "widgets/COnOffButton.h"
 #include "widgets/CText.h"
@@ -48,12 +49,20 @@ public:
     }
 
     explicit LibraryRig(bool autoSyncAtStart = false)
-        : window(&api, autoSyncAtStart)
+        : machine(withoutDAW())
+        , window(&api, autoSyncAtStart)
         , view(window.findChild<EditorLibrary *>())
     {
         window.move(40, 40);
         window.show();
         window.activateWindow();
+    }
+
+    // Chooses the DAW of the machine and waits for the end of its scan.
+    bool useDAW()
+    {
+        window.setDAWName(DawMachine::daw());
+        return QTest::qWaitFor([this] { return !window.isWindowLocked(); }, 60000);
     }
 
     // Fifty names, "A01" to "A50" for the letter A.
@@ -178,10 +187,20 @@ public:
         poll->start(5);
     }
 
+    DawMachine machine;
     RemoteMemAPI api;
     EditorMainWindow window;
     EditorLibrary *view;
     QTemporaryDir folder;
+
+private:
+    // As the last user left it.
+    static DawMachine::Helper withoutDAW()
+    {
+        QSettings(QSettings::UserScope, CorporationName, SettingName)
+            .setValue(QStringLiteral("DAWName"), OtherDAW);
+        return DawMachine::Helper::Script;
+    }
 };
 
 // One drag by the mouse, from the press to the release. A step runs in the drag's own event loop,

@@ -9,6 +9,7 @@
 #include "memory/RemoteMemAPI.h"
 #include "views/Answers.h"
 #include "views/EditorTemplate.h"
+#include "vsti/DawMachine.h"
 #include "widgets/CFrame.h"
 #include "widgets/CLineEdit.h"
 #include "widgets/COnOffButton.h"
@@ -26,10 +27,9 @@
 #include <QtCore/QSettings>
 #include <QtWidgets/QLabel>
 
-// The real window with the template view in front, on a home of its own, without an instrument, and
-// with a database of two instruments for whoever chooses the DAW "Rack".
+// The real window with the template view in front, on a machine of its own, without an instrument,
+// and with a database of two instruments for whoever chooses its DAW.
 
-inline const QString RackDAW = QStringLiteral("Rack");
 // Cut to thirteen characters it ends in a blank.
 inline const QString LongSynth = QStringLiteral("Grand Organs 1000");
 inline const QString ShortSynth = QStringLiteral("Halcyon");
@@ -69,10 +69,12 @@ public:
         QSettings(QSettings::UserScope, CorporationName, SettingName)
             .setValue(QStringLiteral("PortName"), PortNotAssigned);
         QSettings(QSettings::UserScope, CorporationName, SettingName)
+            .setValue(QStringLiteral("DAWName"), OtherDAW);
+        QSettings(QSettings::UserScope, CorporationName, SettingName)
             .setValue(QStringLiteral("WorkingFolder"), folder.path());
         writeFile(getAppDataDirectory().filePath(DatabaseFileName),
-                  "<!DOCTYPE VSTiDatabase>\n<dawlist><daw name=\"Rack\">" +
-                      databaseEntry(folder.path(), LongSynth, {}) +
+                  "<!DOCTYPE VSTiDatabase>\n<dawlist><daw name=\"" + DawMachine::daw().toUtf8() +
+                      "\">" + databaseEntry(folder.path(), LongSynth, {}) +
                       databaseEntry(folder.path(), ShortSynth, parameters) + "</daw></dawlist>\n");
         window = std::make_unique<EditorMainWindow>(&api, false);
         view = window->findChild<EditorTemplate *>();
@@ -83,13 +85,12 @@ public:
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
 
-    // Makes the instruments of the database known, as a finished scan does.
+    // Chooses the DAW and waits for the end of the scan, which makes the instruments of the
+    // database known.
     void useRack()
     {
-        window->setDAWName(RackDAW);
-        window->getVSTiInfo().selectDAW(RackDAW);
-        window->getVSTiInfo().entryVSTiParameter();
-        view->updateDAW();
+        window->setDAWName(DawMachine::daw());
+        QTRY_VERIFY_WITH_TIMEOUT(!window->isWindowLocked(), 60000);
     }
 
     template <typename Widget>
@@ -161,6 +162,7 @@ public:
         " name=\"Attack Time Of The Very Slow Kind\"/></group></group>"
         "<parameter id=\"10000001025\" name=\"Own Volume\"/>";
 
+    DawMachine machine;
     QTemporaryDir folder;
     RemoteMemAPI api;
     std::unique_ptr<EditorMainWindow> window;

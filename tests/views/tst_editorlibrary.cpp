@@ -215,7 +215,7 @@ void TestEditorLibrary::thePreviewOfOtherDAWs()
 void TestEditorLibrary::thePreviewOfACCTemplate()
 {
     LibraryRig rig;
-    rig.window.setDAWName(QStringLiteral("Studio"));
+    QVERIFY(rig.useDAW());
     QVERIFY(rig.enter());
     rig.api.setParam(ParamAddress(Bank::Library, 0, ParamAddress::ControlType, -1), 1);
     rig.api.setParam(ParamAddress(Bank::Library, 0, ParamAddress::VSTiName, -1), AudioTrackName);
@@ -238,7 +238,7 @@ void TestEditorLibrary::thePreviewOfACCTemplate()
 void TestEditorLibrary::thePreviewOfARemoteTemplate()
 {
     LibraryRig rig;
-    rig.window.setDAWName(QStringLiteral("Studio"));
+    QVERIFY(rig.useDAW());
     QVERIFY(rig.enter());
     const auto assign = [&rig](int knob, const QString &id) {
         rig.api.setParam(ParamAddress(Bank::Library, 0, knob, ParamAddress::RemoteNumber), id);
@@ -945,7 +945,7 @@ void TestEditorLibrary::screenshots()
                                        QStringLiteral(".png")));
     };
     save(QStringLiteral("library"));
-    rig.window.setDAWName(QStringLiteral("Studio"));
+    QVERIFY(rig.useDAW());
     rig.choose(rig.importList(), 4);
     rig.view->importTemplate();
     save(QStringLiteral("library-import"));
