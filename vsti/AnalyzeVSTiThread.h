@@ -6,8 +6,8 @@
 class VSTiInfo;
 
 // Carries a scan. Owner: whoever starts it, who must not delete it before it has finished, and ends
-// it before its time by requestInterruption() and join(): within a tenth of a second and the time of
-// walking through the folders, the helper's process included.
+// it before its time by requestInterruption() and join(). That takes a second or two beyond the
+// walk through the folders, and leaves no process of the helper's behind.
 class AnalyzeVSTiThread : public QThread
 {
     Q_OBJECT
