@@ -84,6 +84,7 @@ private Q_SLOTS:
     void anInstrumentIsFoundWithItsParameters();
     void theWholeRunEndsInTheListsAndTheDatabase();
     void withNothingNewTheHelperIsNotStarted();
+    void theSharedObjectOfAKnownBundleIsNotAsked();
     void aTouchedFileIsAskedAgain();
     void exitCodes_data();
     void exitCodes();
@@ -268,6 +269,21 @@ void TestVSTiScan::withNothingNewTheHelperIsNotStarted()
     info->selectDAW(latin("Some DAW"));
     info->analyzeVSTi();
     QCOMPARE(asked().size(), 5);
+}
+
+void TestVSTiScan::theSharedObjectOfAKnownBundleIsNotAsked()
+{
+    QVERIFY(writeBytes(vst2("a.vst/Contents/behaviour"),
+                       says(answer({instrument("Alpha", {parameter(4201, "A")})}))));
+    QVERIFY(writeBytes(vst2("a.vst/a.so"), says(answer({instrument("Alpha")}))));
+    QVERIFY(writeBytes(vst2("b.vst/Contents/behaviour"), ends(3)));
+    QVERIFY(writeBytes(vst2("b.vst/b.so"), ends(3)));
+    for (int i = 0; i < 3; ++i) {
+        const auto info = scanAndEnter();
+        QCOMPARE(info->fileInfos.value(latin("Alpha")).fileInfo.fileName(), latin("a.vst"));
+        QCOMPARE(asked(), names({"a.vst", "b.vst"}));
+    }
+    QCOMPARE(notSynths(), latin("b.vst\n"));
 }
 
 void TestVSTiScan::aTouchedFileIsAskedAgain()
