@@ -243,14 +243,15 @@ void TestScanRealPlugins::plugInsThatMisbehaveEndInTheRightLists()
     const auto info = run();
     QVERIFY(info != nullptr);
     QCOMPARE(notSynths(), listed);
-    QCOMPARE(
-        described(*info),
+    QStringList wanted =
         names({"Bass in two-instruments.vst3: 3", "Instrument in instrument-and-effect.vst3: 3",
                "Lead in two-instruments.vst3: 3", "Listed 13 in shell.so: 3",
-               "N\xc3\xa4me \xe2\x99\xaf in odd-names.vst3: 6", "Shell Lead in shell.so: 3",
-               "Test VST2 in crash-at-close.so: 3", "Test VST3 in crash-at-unload.vst3: 3",
-               "Works in failing-and-good.vst3: 3", "blank-name in blank-name.vst3: 3",
-               "no-name in no-name.so: 3"}));
+               "Shell Lead in shell.so: 3", "Test VST2 in crash-at-close.so: 3",
+               "Test VST3 in crash-at-unload.vst3: 3", "Works in failing-and-good.vst3: 3",
+               "blank-name in blank-name.vst3: 3", "no-name in no-name.so: 3"});
+    wanted.append(QString::fromUtf8("N\u00e4me \u266f in odd-names.vst3: 6"));
+    wanted.sort();
+    QCOMPARE(described(*info), wanted);
     run();
     QCOMPARE(m_examined, names({"no-controller.vst3", "numbered-names.so"}));
 }
