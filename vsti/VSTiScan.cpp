@@ -32,6 +32,7 @@
 #include <QtCore/QProcess>
 #include <QtCore/QSet>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <optional>
@@ -51,6 +52,7 @@ const QString _k_tamberlinePath = QStringLiteral("/Brandholm/Components/Tamberli
 // The helper writes half of this at most.
 constexpr qint64 MaximumResultBytes = 128 * 1024 * 1024;
 constexpr int IdDigits = 9;
+constexpr int LinePartBytes = 256;
 
 enum HelperExit : unsigned {
     List = 0,
@@ -113,7 +115,16 @@ QString getStringFromFile(QFile *file, bool *error)
         *error = true;
         return {};
     }
-    return QString::fromLocal8Bit(file->readLine()).trimmed();
+    // Qt's own makes room for 32 kilobytes first. Among the names that are kept, a million of those
+    // fall into pieces that nothing else fits into.
+    QByteArray line;
+    std::array<char, LinePartBytes> part;
+    qint64 length = 0;
+    do {
+        length = file->readLine(part.data(), part.size());
+        line.append(part.data(), std::max<qint64>(length, 0));
+    } while (length > 0 && !line.endsWith('\n'));
+    return QString::fromLocal8Bit(line).trimmed();
 }
 
 int getIntFromFile(QFile *file, bool *error)

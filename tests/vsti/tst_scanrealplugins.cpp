@@ -5,6 +5,8 @@
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
+#include <sys/resource.h>
+
 #include <csignal>
 
 // The scan with the helper itself, on plug-ins that are there: those of this project, which do what
@@ -14,6 +16,8 @@ namespace
 {
 
 constexpr int BypassId = 10004202;
+// Of the test, with a million parameters in it. The sanitizers take their share.
+constexpr long MaximumKilobytes = 3 * 1024 * 1024;
 const QString Plugins = QStringLiteral(TRN_BIN_DIR "/tests/plugins");
 
 class RealScan : public ScannedVSTiInfo
@@ -312,6 +316,9 @@ void TestScanRealPlugins::aMillionParametersTakeNoOthersRoom()
         QVERIFY(info != nullptr);
         QCOMPARE(info->getVSTiParameterList(latin("Test VST3")).size(), 1000000);
     }
+    rusage usage = {};
+    QCOMPARE(::getrusage(RUSAGE_SELF, &usage), 0);
+    QVERIFY2(usage.ru_maxrss < MaximumKilobytes, qPrintable(QString::number(usage.ru_maxrss)));
     // It would make a database that is refused, so that it is asked anew each time.
     const auto info = run();
     QVERIFY(info != nullptr);

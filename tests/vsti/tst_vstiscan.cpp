@@ -133,6 +133,7 @@ private Q_SLOTS:
     void aScanOnAThreadOfItsOwn();
     void aHundredPlugInsOfAllKinds();
     void readingLines();
+    void readingLinesOfAnyLength();
 
 private:
     QString vst3(const char *name) const { return m_rig->path("home/.vst3/") + latin(name); }
@@ -934,6 +935,26 @@ void TestVSTiScan::readingLines()
     error = false;
     QCOMPARE(getIntFromFile(&file, &error), -7);
     QVERIFY(!error);
+    QCOMPARE(getStringFromFile(&file, &error), QString());
+    QVERIFY(error);
+}
+
+void TestVSTiScan::readingLinesOfAnyLength()
+{
+    const QList<int> lengths = {1, 254, 255, 256, 257, 510, 511, 512, 65536, 1000000, 3};
+    QByteArray text;
+    for (const int length : lengths) {
+        text += QByteArray(length, 'x') + '\n';
+    }
+    text.chop(1);
+    QVERIFY(writeBytes(m_rig->path("lines"), text));
+    QFile file(m_rig->path("lines"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    bool error = false;
+    for (const int length : lengths) {
+        QCOMPARE(getStringFromFile(&file, &error), QString(length, QLatin1Char('x')));
+        QVERIFY(!error);
+    }
     QCOMPARE(getStringFromFile(&file, &error), QString());
     QVERIFY(error);
 }
