@@ -16,7 +16,9 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,7 @@ namespace
 const QString DAW = QStringLiteral("Rack");
 constexpr int ScannedPlugins = 20;
 constexpr int FilesPerFolder = 100;
+constexpr int LinksPerFile = 10000;
 constexpr int ParametersPerInstrument = 1000;
 constexpr int ParametersPerGroup = 10;
 constexpr int MostInstruments = 200;
@@ -145,6 +148,8 @@ void scanPlugin(benchmark::State &state)
         [&] {
             const Clock::time_point start = Clock::now();
             for (const std::vector<std::string> &command : commands) {
+                // To replace a file takes longer than to make one.
+                std::remove(command.back().c_str());
                 runBare(command);
             }
             return (Clock::now() - start) / ScannedPlugins;
@@ -157,21 +162,32 @@ BENCHMARK(scanPlugin)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2
 
 // --- The walk ------------------------------------------------------------------------------------
 
-// One in a hundred is a plug-in.
-std::string makeFiles(const QTemporaryDir &folder, int count)
+// One in a hundred is a plug-in. They are links to a few files, since the file system takes minutes
+// to make so many.
+std::string filesOf(int count)
 {
+    static const QTemporaryDir folder;
     const QString root = folder.filePath(QString::number(count));
+    if (QFileInfo::exists(root)) {
+        return root.toStdString();
+    }
+    QByteArray first;
     for (int i = 0; i < count; ++i) {
         const QString within = root + QStringLiteral("/%1").arg(i / FilesPerFolder);
-        if (i % FilesPerFolder == 0 && !QDir().mkpath(within)) {
-            qFatal("no folder could be made");
+        if (i % FilesPerFolder == 0) {
+            QDir().mkpath(within);
         }
-        QFile file(within +
-                   QStringLiteral("/file %1.%2")
-                       .arg(i)
-                       .arg(i % 100 == 0 ? QStringLiteral("vst3") : QStringLiteral("wav")));
-        if (!file.open(QIODevice::WriteOnly)) {
-            qFatal("no file could be made");
+        const QString extension = i % 100 == 0 ? QStringLiteral("vst3") : QStringLiteral("wav");
+        const QByteArray path =
+            QFile::encodeName(within + QStringLiteral("/file %1.%2").arg(i).arg(extension));
+        if (i % LinksPerFile == 0) {
+            first = path;
+            QFile file(QFile::decodeName(path));
+            if (!file.open(QIODevice::WriteOnly)) {
+                qFatal("no file could be made");
+            }
+        } else if (::link(first.constData(), path.constData()) != 0) {
+            qFatal("no file could be linked");
         }
     }
     return root.toStdString();
@@ -187,9 +203,8 @@ size_t walk(const std::string &root)
 
 void walkFolders(benchmark::State &state)
 {
-    const QTemporaryDir folder;
     const auto count = static_cast<int>(state.range(0));
-    const std::string root = makeFiles(folder, count);
+    const std::string root = filesOf(count);
     compare(
         state, [&] { benchmark::DoNotOptimize(walk(root)); },
         [&] {

@@ -67,6 +67,29 @@ bool isInBundle(const std::string &path, size_t start)
     return false;
 }
 
+using Names = std::unordered_set<std::string>;
+
+// Without folder and extension.
+Names namesOf(const std::vector<std::string> &paths)
+{
+    Names names;
+    for (const std::string &path : paths) {
+        std::string name;
+        CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false);
+        names.insert(name);
+    }
+    return names;
+}
+
+void appendNew(const std::string &path, std::vector<std::string> *paths, Names *names)
+{
+    std::string name;
+    if (CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false) && !name.empty() &&
+        names->insert(name).second) {
+        paths->push_back(path);
+    }
+}
+
 } // namespace
 
 CVSTiPathFinder::CVSTiPathFinder(const std::string &folder)
@@ -124,6 +147,7 @@ bool CVSTiPathFinder::storeBelow(const std::string &root, const CFileSearch &sea
     if (found == nullptr) {
         return false;
     }
+    Names names = namesOf(*found);
     std::vector<int> rows;
     if (isVST2) {
         for (const char *extension : VST2Extensions) {
@@ -149,7 +173,7 @@ bool CVSTiPathFinder::storeBelow(const std::string &root, const CFileSearch &sea
                 continue;
             }
             if (!IsIgnorable(path) && CheckNotSynthList(path)) {
-                AddPath(path, found);
+                appendNew(path, found, &names);
             }
         }
     }
@@ -165,18 +189,9 @@ bool CVSTiPathFinder::IsIgnorable(const std::string &path) const
 
 void CVSTiPathFinder::AddPath(const std::string &path, std::vector<std::string> *found)
 {
-    std::string name;
-    if (found == nullptr || !CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false) ||
-        name.empty()) {
-        return;
-    }
-    const bool isKnown = std::any_of(found->begin(), found->end(), [&](const std::string &other) {
-        std::string otherName;
-        CFileSearch::SplitPath(&other, nullptr, &otherName, nullptr, false);
-        return otherName == name;
-    });
-    if (!isKnown) {
-        found->push_back(path);
+    if (found != nullptr) {
+        Names names = namesOf(*found);
+        appendNew(path, found, &names);
     }
 }
 
