@@ -53,6 +53,8 @@ const QString _k_tamberlinePath = QStringLiteral("/Brandholm/Components/Tamberli
 constexpr qint64 MaximumResultBytes = 128 * 1024 * 1024;
 constexpr int IdDigits = 9;
 constexpr int LinePartBytes = 256;
+// For a helper that was asked to end, before it is made to.
+constexpr int GraceMs = 2000;
 
 enum HelperExit : unsigned {
     List = 0,
@@ -93,6 +95,11 @@ std::optional<unsigned> run(const QString &program, const QStringList &arguments
     process.start(program, arguments, QIODevice::ReadWrite);
     const auto group = static_cast<pid_t>(process.processId());
     const bool hasEnded = process.waitForFinished(timeoutMs);
+    if (!hasEnded) {
+        // The helper knows what has turned away from its group, and ends that too.
+        process.terminate();
+        process.waitForFinished(GraceMs);
+    }
     if (group > 0) {
         ::kill(-group, SIGKILL);
     }
