@@ -82,8 +82,7 @@ void writeVerdict(int writeEnd, ExitCode code)
     } while (length < 0 && errno == EINTR);
 }
 
-// --- The child
-// ------------------------------------------------------------------------------------
+// --- The child -----------------------------------------------------------------------------------
 
 ExitCode questionHere(PluginSession *session, const std::string &resultPath)
 {
@@ -124,8 +123,7 @@ ExitCode questionHere(PluginSession *session, const std::string &resultPath)
     _exit(0);
 }
 
-// --- The watching process
-// -------------------------------------------------------------------------
+// --- The watching process ------------------------------------------------------------------------
 
 // Children of this process, which has one thread. As the reaper of its descendants it has all of
 // them sooner or later, also those that have turned away from their parent.

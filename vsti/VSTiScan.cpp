@@ -58,10 +58,11 @@ const QString _k_tamberlinePath = QStringLiteral("/Brandholm/Components/Tamberli
 // The helper writes half of this at most.
 constexpr qint64 MaximumResultBytes = 128 * 1024 * 1024;
 constexpr int IdDigits = 9;
+constexpr int LinePartBytes = 256;
 // How often one looks whether a scan is still wanted.
 constexpr int LookUpMs = 100;
-// What a helper that is told to end may take to end what the plug-in has started.
-constexpr int GraceMs = 1000;
+// For a helper that was asked to end, before it is made to.
+constexpr int GraceMs = 2000;
 
 enum HelperExit : unsigned {
     List = 0,
@@ -135,8 +136,8 @@ std::optional<unsigned> run(const QString &program, const QStringList &arguments
     process.start(program, arguments, QIODevice::ReadWrite);
     const auto group = static_cast<pid_t>(process.processId());
     const bool hasEnded = waitForEnd(&process, timeoutMs);
-    if (!hasEnded && group > 0) {
-        // The helper also reaches those that have left its group.
+    if (!hasEnded) {
+        // The helper knows what has turned away from its group, and ends that too.
         process.terminate();
         process.waitForFinished(GraceMs);
     }
@@ -162,7 +163,16 @@ QString getStringFromFile(QFile *file, bool *error)
         *error = true;
         return {};
     }
-    return QString::fromLocal8Bit(file->readLine()).trimmed();
+    // Qt's own makes room for 32 kilobytes first. Among the names that are kept, a million of those
+    // fall into pieces that nothing else fits into.
+    QByteArray line;
+    std::array<char, LinePartBytes> part;
+    qint64 length = 0;
+    do {
+        length = file->readLine(part.data(), part.size());
+        line.append(part.data(), std::max<qint64>(length, 0));
+    } while (length > 0 && !line.endsWith('\n'));
+    return QString::fromLocal8Bit(line).trimmed();
 }
 
 int getIntFromFile(QFile *file, bool *error)

@@ -27,12 +27,13 @@ constexpr std::array<const char *, 9> EffectFolders = {"Distortion", "Dynamics",
 
 constexpr const char *VST3Extension = "vst3";
 constexpr const char *VST2PackageType = "aPcs";
-// Where plug-ins are no bundles they are shared objects, which have no extension of their own. A
-// bundle that holds one of its name comes first.
+// Where plug-ins are no bundles they are shared objects, which have no extension of their own.
+constexpr const char *VST2Extension = "vst";
+constexpr const char *SharedObjectExtension = "so";
 constexpr std::array VST2Extensions = {
-    "vst",
+    VST2Extension,
 #ifndef __APPLE__
-    "so",
+    SharedObjectExtension,
 #endif
 };
 
@@ -45,6 +46,48 @@ bool fileNameOf(const std::string &path, std::string *fileName)
     }
     *fileName += extension;
     return true;
+}
+
+// Whether one of the folders that the path lies in is a bundle; those up to the start don't count.
+bool isInBundle(const std::string &path, size_t start)
+{
+    CFileSearch search;
+    for (size_t end = path.find('/', start); end != std::string::npos;
+         end = path.find('/', start)) {
+        const std::string folder = path.substr(start, end - start);
+        std::string extension;
+        CFileSearch::SplitPath(&folder, nullptr, nullptr, &extension, true);
+        search.MakeStringAllLower(&extension);
+        if (!extension.empty() &&
+            (extension.substr(1) == VST2Extension || extension.substr(1) == VST3Extension)) {
+            return true;
+        }
+        start = end + 1;
+    }
+    return false;
+}
+
+using Names = std::unordered_set<std::string>;
+
+// Without folder and extension.
+Names namesOf(const std::vector<std::string> &paths)
+{
+    Names names;
+    for (const std::string &path : paths) {
+        std::string name;
+        CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false);
+        names.insert(name);
+    }
+    return names;
+}
+
+void appendNew(const std::string &path, std::vector<std::string> *paths, Names *names)
+{
+    std::string name;
+    if (CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false) && !name.empty() &&
+        names->insert(name).second) {
+        paths->push_back(path);
+    }
 }
 
 } // namespace
@@ -86,7 +129,7 @@ bool CVSTiPathFinder::SearchAllFiles(const std::vector<std::string> &folders,
             search.SetSearchExtension(VST3Extension);
         }
         if (search.SearchFiles(folder.c_str(), 0, true)) {
-            StoreFilePath(search, found, isVST2);
+            storeBelow(folder, search, found, isVST2);
         }
     }
     return true;
@@ -95,9 +138,16 @@ bool CVSTiPathFinder::SearchAllFiles(const std::vector<std::string> &folders,
 bool CVSTiPathFinder::StoreFilePath(const CFileSearch &search, std::vector<std::string> *found,
                                     bool isVST2)
 {
+    return storeBelow("/", search, found, isVST2);
+}
+
+bool CVSTiPathFinder::storeBelow(const std::string &root, const CFileSearch &search,
+                                 std::vector<std::string> *found, bool isVST2)
+{
     if (found == nullptr) {
         return false;
     }
+    Names names = namesOf(*found);
     std::vector<int> rows;
     if (isVST2) {
         for (const char *extension : VST2Extensions) {
@@ -112,10 +162,18 @@ bool CVSTiPathFinder::StoreFilePath(const CFileSearch &search, std::vector<std::
             return false;
         }
         const auto index = static_cast<unsigned>(row);
+        std::string extension;
+        const bool isPartOfBundles =
+            search.GetSearchExtension(index, &extension) && extension == SharedObjectExtension;
         for (unsigned i = 0; i < search.GetNumberOfPaths(index); ++i) {
             const std::string path = search.GetPath(index, i);
+            // A shared object in a bundle is not a plug-in of its own, whatever is known of the
+            // bundle by now.
+            if (isPartOfBundles && isInBundle(path, root.size())) {
+                continue;
+            }
             if (!IsIgnorable(path) && CheckNotSynthList(path)) {
-                AddPath(path, found);
+                appendNew(path, found, &names);
             }
         }
     }
@@ -131,18 +189,9 @@ bool CVSTiPathFinder::IsIgnorable(const std::string &path) const
 
 void CVSTiPathFinder::AddPath(const std::string &path, std::vector<std::string> *found)
 {
-    std::string name;
-    if (found == nullptr || !CFileSearch::SplitPath(&path, nullptr, &name, nullptr, false) ||
-        name.empty()) {
-        return;
-    }
-    const bool isKnown = std::any_of(found->begin(), found->end(), [&](const std::string &other) {
-        std::string otherName;
-        CFileSearch::SplitPath(&other, nullptr, &otherName, nullptr, false);
-        return otherName == name;
-    });
-    if (!isKnown) {
-        found->push_back(path);
+    if (found != nullptr) {
+        Names names = namesOf(*found);
+        appendNew(path, found, &names);
     }
 }
 

@@ -31,7 +31,8 @@ public:
     // takes. False without folders.
     bool SearchAllFiles(const std::vector<std::string> &folders, std::vector<std::string> *found,
                         bool isVST2);
-    // The results of one search, keyword by keyword. False if it did not ask for all of them.
+    // The results of one search, keyword by keyword, but for the shared objects in bundles. False
+    // if it did not ask for all of them.
     bool StoreFilePath(const CFileSearch &search, std::vector<std::string> *found, bool isVST2);
     bool IsIgnorable(const std::string &path) const;
     // True if the file is not on the list.
@@ -47,6 +48,9 @@ public:
     std::vector<std::string> GetVSTiName(const std::string &path) const;
 
 private:
+    // The root may itself lie in what is named as a bundle.
+    bool storeBelow(const std::string &root, const CFileSearch &search,
+                    std::vector<std::string> *found, bool isVST2);
     void readNotSynthList() const;
 
     std::string notSynthListPath; // empty: no list

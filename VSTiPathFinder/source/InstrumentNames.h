@@ -24,8 +24,7 @@ constexpr Row plain(std::string_view name)
 // No base name stands twice.
 inline constexpr std::array<Row, 62> Rows = {{
     // This keyboard's own, and those that come with its makers' DAWs. One file holds the three
-    // small
-    // ones; its smaller editions hold the first of them alone.
+    // small ones; its smaller editions hold the first of them alone.
     {"TARN_TERN", {"TARN/TERN VST"}},
     plain("Orskvale"),
     plain("Tamberline"),

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
+#include <string_view>
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 namespace
@@ -49,20 +49,30 @@ struct Entry
 };
 
 // All entries, hidden ones too, in the order of the file system. They are taken before any of them
-// is looked at, so that no folder stays open on the way down. False if there is no listing.
+// is looked at, so that no folder stays open on the way down. dir ends in "/". False if there is no
+// listing.
 bool list(const std::string &dir, std::vector<Entry> *entries)
 {
-    std::error_code error;
-    std::filesystem::directory_iterator entry(dir, error);
-    if (error) {
+    DIR *const folder = ::opendir(dir.c_str());
+    if (folder == nullptr) {
         return false;
     }
-    for (const std::filesystem::directory_iterator end; entry != end; entry.increment(error)) {
-        std::error_code unknown;
-        entries->push_back({entry->path().native(),
-                            !entry->is_symlink(unknown) && entry->is_regular_file(unknown)});
+    while (const dirent *entry = ::readdir(folder)) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            entries->push_back({dir + entry->d_name, entry->d_type == DT_REG});
+        }
     }
+    ::closedir(folder);
     return true;
+}
+
+// Where the dot of a file name's extension stands; npos if it has none.
+size_t extensionStart(std::string_view file)
+{
+    const size_t dot = file.rfind('.');
+    const bool hasExtension = dot != std::string_view::npos && dot > 0 && dot + 1 < file.size();
+    return hasExtension ? dot : std::string_view::npos;
 }
 
 } // namespace
@@ -235,19 +245,18 @@ std::string CFileSearch::GetPath(unsigned index, unsigned pathIndex) const
 
 void CFileSearch::AddPath(const std::string &path, const char *packageType, bool uniqueFileName)
 {
-    std::string name;
-    std::string extension;
-    if (!SplitPath(&path, nullptr, &name, &extension, false)) {
-        return;
-    }
-    if (!extension.empty()) {
-        extension.erase(0, 1);
-    }
+    const std::string_view file = std::string_view(path).substr(path.rfind('/') + 1);
+    const size_t dot = extensionStart(file);
+    std::string extension(dot == std::string_view::npos ? std::string_view()
+                                                        : file.substr(dot + 1));
     MakeStringAllLower(&extension);
     for (SKeywordAndPaths &row : keywords) {
         const bool fits = row.isExtension ? row.keyword == extension
                                           : packageType != nullptr && row.keyword == packageType;
-        if (fits && (row.names.insert(name).second || !uniqueFileName)) {
+        // Few paths fit, and only those are worth being taken apart.
+        std::string name;
+        if (fits && SplitPath(&path, nullptr, &name, nullptr, false) &&
+            (row.names.insert(name).second || !uniqueFileName)) {
             row.paths.push_back(path);
         }
     }
@@ -369,8 +378,8 @@ bool CFileSearch::SplitPath(const std::string *path, std::string *dir, std::stri
         }
     }
     const std::string file = text.substr(start);
-    const size_t dot = file.rfind('.');
-    const bool hasExtension = dot != std::string::npos && dot > 0 && dot + 1 < file.size();
+    const size_t dot = extensionStart(file);
+    const bool hasExtension = dot != std::string::npos;
     if (name != nullptr) {
         *name = hasExtension ? file.substr(0, dot) : file;
     }

@@ -130,6 +130,9 @@ inline void doDeed(const std::string &deed)
         throw std::runtime_error("no reason given");
     } else if (deed == "fork") {
         forkAway();
+    } else if (deed == "fork-and-hang") {
+        forkAway();
+        waitForEver();
     } else if (deed == "chatter") {
         writeMegabytes();
     } else if (deed == "allocate") {

@@ -29,6 +29,8 @@ private Q_SLOTS:
     void vst3IsSearchedForVST3Alone();
     void vst2IsSearchedForBundlesAndSharedObjects();
     void aBundleComesBeforeTheSharedObjectInIt();
+    void aSharedObjectInABundleIsPartOfItWhateverIsKnown();
+    void aFolderNamedAsABundleMayBeSearched();
     void bundlesComeBeforeSharedObjectsWhateverTheListing();
     void theEffectsOfTheDAWAreSkippedForVST2_data();
     void theEffectsOfTheDAWAreSkippedForVST2();
@@ -119,6 +121,35 @@ void TestPathFinder::aBundleComesBeforeTheSharedObjectInIt()
 {
     m_rig->file("p/a.vst/a.so");
     QCOMPARE(search({m_rig->path("p/")}, true), (Paths{m_rig->path("p/a.vst")}));
+}
+
+void TestPathFinder::aSharedObjectInABundleIsPartOfItWhateverIsKnown()
+{
+    m_rig->file("p/a.vst/a.so");
+    m_rig->file("p/B.VST/Contents/lib.so");
+    m_rig->file("p/c.vst3/Contents/x86_64-linux/c.so");
+    m_rig->file("p/.vst/d.so");
+    const Paths bundles = {m_rig->path("p/B.VST"), m_rig->path("p/a.vst")};
+    const std::string object = m_rig->path("p/.vst/d.so");
+    Paths found = search({m_rig->path("p")}, true);
+    std::sort(found.begin(), found.end());
+    QCOMPARE(found, (Paths{object, bundles[0], bundles[1]}));
+
+    CVSTiPathFinder finder(m_rig->path("data"));
+    finder.SetIgnorableVSTis({"a.vst"});
+    m_rig->folder("data");
+    finder.AddNotSynthList(bundles[0]);
+    found.clear();
+    QVERIFY(finder.SearchAllFiles({m_rig->path("p")}, &found, true));
+    QCOMPARE(found, (Paths{object}));
+}
+
+void TestPathFinder::aFolderNamedAsABundleMayBeSearched()
+{
+    const std::string object = m_rig->file("my.vst/p/a.so");
+    QCOMPARE(search({m_rig->path("my.vst/p")}, true), (Paths{object}));
+    QCOMPARE(search({m_rig->path("my.vst")}, true), (Paths{object}));
+    QCOMPARE(search({m_rig->path("my.vst/")}, true), (Paths{object}));
 }
 
 void TestPathFinder::bundlesComeBeforeSharedObjectsWhateverTheListing()

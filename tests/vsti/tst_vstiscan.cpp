@@ -84,6 +84,7 @@ private Q_SLOTS:
     void anInstrumentIsFoundWithItsParameters();
     void theWholeRunEndsInTheListsAndTheDatabase();
     void withNothingNewTheHelperIsNotStarted();
+    void theSharedObjectOfAKnownBundleIsNotAsked();
     void aTouchedFileIsAskedAgain();
     void exitCodes_data();
     void exitCodes();
@@ -132,6 +133,7 @@ private Q_SLOTS:
     void aScanOnAThreadOfItsOwn();
     void aHundredPlugInsOfAllKinds();
     void readingLines();
+    void readingLinesOfAnyLength();
 
 private:
     QString vst3(const char *name) const { return m_rig->path("home/.vst3/") + latin(name); }
@@ -268,6 +270,21 @@ void TestVSTiScan::withNothingNewTheHelperIsNotStarted()
     info->selectDAW(latin("Some DAW"));
     info->analyzeVSTi();
     QCOMPARE(asked().size(), 5);
+}
+
+void TestVSTiScan::theSharedObjectOfAKnownBundleIsNotAsked()
+{
+    QVERIFY(writeBytes(vst2("a.vst/Contents/behaviour"),
+                       says(answer({instrument("Alpha", {parameter(4201, "A")})}))));
+    QVERIFY(writeBytes(vst2("a.vst/a.so"), says(answer({instrument("Alpha")}))));
+    QVERIFY(writeBytes(vst2("b.vst/Contents/behaviour"), ends(3)));
+    QVERIFY(writeBytes(vst2("b.vst/b.so"), ends(3)));
+    for (int i = 0; i < 3; ++i) {
+        const auto info = scanAndEnter();
+        QCOMPARE(info->fileInfos.value(latin("Alpha")).fileInfo.fileName(), latin("a.vst"));
+        QCOMPARE(asked(), names({"a.vst", "b.vst"}));
+    }
+    QCOMPARE(notSynths(), latin("b.vst\n"));
 }
 
 void TestVSTiScan::aTouchedFileIsAskedAgain()
@@ -918,6 +935,26 @@ void TestVSTiScan::readingLines()
     error = false;
     QCOMPARE(getIntFromFile(&file, &error), -7);
     QVERIFY(!error);
+    QCOMPARE(getStringFromFile(&file, &error), QString());
+    QVERIFY(error);
+}
+
+void TestVSTiScan::readingLinesOfAnyLength()
+{
+    const QList<int> lengths = {1, 254, 255, 256, 257, 510, 511, 512, 65536, 1000000, 3};
+    QByteArray text;
+    for (const int length : lengths) {
+        text += QByteArray(length, 'x') + '\n';
+    }
+    text.chop(1);
+    QVERIFY(writeBytes(m_rig->path("lines"), text));
+    QFile file(m_rig->path("lines"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    bool error = false;
+    for (const int length : lengths) {
+        QCOMPARE(getStringFromFile(&file, &error), QString(length, QLatin1Char('x')));
+        QVERIFY(!error);
+    }
     QCOMPARE(getStringFromFile(&file, &error), QString());
     QVERIFY(error);
 }
