@@ -81,7 +81,7 @@ struct InstrumentMemory
     InstrumentBank stored;
     InstrumentBank editBuffer;
     int currentTemplate = 0; // 0 to 49
-    bool editFlag = false;   // the edit buffer was edited at the instrument since the last store
+    bool editFlag = false;   // the edit buffer holds what was not stored
 
     bool operator==(const InstrumentMemory &) const = default;
 };

@@ -300,6 +300,16 @@ void VirtualInstrument::reportEditFlag()
          changeTag());
 }
 
+void VirtualInstrument::setEditFlag(bool raised)
+{
+    if (m_memory.editFlag == raised) {
+        return;
+    }
+    m_memory.editFlag = raised;
+    changed();
+    reportEditFlag();
+}
+
 // --- Silence and the instrument's own thread ----------------------------------------------------
 
 void VirtualInstrument::silence(int comebackMs)
@@ -523,7 +533,7 @@ void VirtualInstrument::handle(const InstrumentMessage &message)
     switch (message.kind) {
     case Kind::Header:
         ++m_counters.headers;
-        m_dump = {true, message.type, message.templateNumber};
+        m_dump = {true, false, message.type, message.templateNumber};
         break;
     case Kind::Block:
         takeBlock(message);
@@ -557,13 +567,14 @@ void VirtualInstrument::handle(const InstrumentMessage &message)
 
 void VirtualInstrument::takeBlock(const InstrumentMessage &message)
 {
-    if (!m_dump.open || !InstrumentProtocol::takeBlock(
-                            message.block, message.data,
-                            &bank(m_dump.type)[static_cast<std::size_t>(m_dump.templateNumber)])) {
+    InstrumentTemplate &target = bank(m_dump.type)[static_cast<std::size_t>(m_dump.templateNumber)];
+    const InstrumentTemplate before = target;
+    if (!m_dump.open || !InstrumentProtocol::takeBlock(message.block, message.data, &target)) {
         ++m_counters.refusedBlocks;
         return;
     }
     ++m_counters.blocks;
+    m_dump.changes = m_dump.changes || target != before;
     changed();
 }
 
@@ -577,6 +588,10 @@ void VirtualInstrument::takeFooter(const InstrumentMessage &message)
         return;
     }
     ++m_counters.footers;
+    // Before the acknowledge, so that a run that ends with it knows of the flag.
+    if (m_dump.changes) {
+        setEditFlag(m_memory.editBuffer != m_memory.stored);
+    }
     ++m_counters.acknowledgedDumps;
     send(MessagePort, InstrumentProtocol::acknowledge(),
          dumpTag(MessageClass::Acknowledge, message.type, message.templateNumber));
@@ -594,13 +609,18 @@ void VirtualInstrument::takeChange(const InstrumentMessage &message)
         send(MessagePort,
              InstrumentProtocol::parameterChange(message.mid, message.low, message.data),
              changeTag());
-    } else if (!InstrumentProtocol::takeChange(message.mid, message.low, message.data,
-                                               &current())) {
+        ++m_counters.changes;
+        changed();
+        return;
+    }
+    const InstrumentTemplate before = current();
+    if (!InstrumentProtocol::takeChange(message.mid, message.low, message.data, &current())) {
         ++m_counters.refusedMessages;
         return;
     }
     ++m_counters.changes;
     changed();
+    setEditFlag(m_memory.editFlag || current() != before);
 }
 
 void VirtualInstrument::answerRequest(const InstrumentMessage &message)

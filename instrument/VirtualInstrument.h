@@ -28,10 +28,12 @@
 //   begins a new dump. Blocks outside a dump are not taken.
 // - A block is taken whole or not at all: a number out of its range refuses it. A number out of
 //   range in a change refuses the change; a current template number above 49 is not echoed.
-// - A dump goes straight into its template, block by block, and touches neither the edit flag nor
-//   the current template. Neither does a change by the editor: the flag tells of edits made at the
-//   instrument. Such an edit reports the flag each time, also when it was up already; choosing
-//   another template is no edit.
+// - A dump goes straight into its template, block by block, and doesn't touch the current template.
+// - The edit flag tells that the edit buffer holds what was not stored, whoever put it there. A
+//   change by the editor that changes anything raises it; a dump that changes anything leaves it as
+//   a comparison of both memories gives it. Either is reported only if the flag moved. An edit at
+//   the instrument reports it each time, also when it was up already; choosing another template is
+//   no edit.
 // - A request for a remote identifier is answered by all nine characters, for any other address by
 //   its one byte. Names travel by the character, in order, blanks included.
 // - A store, from either side, ends with a report of the lowered flag.
@@ -159,6 +161,7 @@ private:
     struct Dump
     {
         bool open = false;
+        bool changes = false; // the template is not what it was
         DumpType type = DumpType::Stored;
         int templateNumber = 0;
     };
@@ -174,6 +177,7 @@ private:
     void sendDump(DumpType type, int templateNumber);
     void sendOwnEdit(const QByteArray &wire);
     void reportEditFlag();
+    void setEditFlag(bool raised); // reports it if that is news
     void store();
     bool editByte(int block, int low, int value, int maximum);
     void editText(int block, int low, const QByteArray &padded);

@@ -176,7 +176,7 @@ private:
     // -1 without the attribute.
     static int getTemplateNumberFromTemplateMimeData(const QDomElement &element);
     static int getBankNumberFromTemplateMimeData(const QDomElement &element);
-    static std::optional<TemplatePlace> templatePlace(const QMimeData *mime);
+    std::optional<TemplatePlace> templatePlace(const QMimeData *mime) const;
     // --- Mouse.
     bool listEvent(CListView *list, QEvent *event);
     bool templateListEvent(QEvent *event);

@@ -139,11 +139,11 @@ QPixmap EditorLibrary::dragPicture(const CListView *list, int number) const
     const qreal ratio = list->devicePixelRatioF();
     QPixmap picture(size * ratio);
     picture.setDevicePixelRatio(ratio);
-    picture.fill(list->palette().color(list->backgroundRole()));
+    picture.fill(number % 2 == 0 ? list->backgroundEvenRowColor() : list->backgroundOddRowColor());
 
     QPainter painter(&picture);
     painter.setFont(list->font());
-    painter.setPen(list->palette().color(list->foregroundRole()));
+    painter.setPen(list->foregroundColor());
     painter.setRenderHint(QPainter::TextAntialiasing, false);
     const int across = list->itemMarginWidth();
     const int down = list->itemMarginHeight();

@@ -118,13 +118,16 @@ int EditorLibrary::getBankNumberFromTemplateMimeData(const QDomElement &element)
     return numberOf(element, EditorData::AttributeBankNumber);
 }
 
-std::optional<EditorLibrary::TemplatePlace> EditorLibrary::templatePlace(const QMimeData *mime)
+std::optional<EditorLibrary::TemplatePlace>
+EditorLibrary::templatePlace(const QMimeData *mime) const
 {
     QDomDocument document;
     const QDomElement root = templateElement(mime, &document);
     const TemplatePlace place{getBankNumberFromTemplateMimeData(root),
                               getTemplateNumberFromTemplateMimeData(root)};
-    const bool known = (place.bank == Bank::Import || place.bank == Bank::Library) &&
+    // A drag of another editor may tell of a second document where none is open here.
+    const bool known = (place.bank == Bank::Library ||
+                        (place.bank == Bank::Import && !ui->listImport->isHidden())) &&
                        place.number >= 0 && place.number < ParamAddress::TemplateCount;
     return known ? std::make_optional(place) : std::nullopt;
 }

@@ -150,7 +150,10 @@ private:
     {
         edited(changed);
         if (m.online && changed) {
-            Model::at(m.instrument.editBuffer, m.instrument.current) = m.current();
+            ControlTemplateData &there = Model::at(m.instrument.editBuffer, m.instrument.current);
+            m.instrument.editFlag = m.instrument.editFlag || !(there == m.current());
+            m.bankEdit = m.instrument.editFlag;
+            there = m.current();
         }
     }
     void stored()
@@ -258,10 +261,16 @@ bool TestCommandSequences::start(quint32 seed)
 
 void TestCommandSequences::sent(bool editBufferOnly)
 {
+    const Templates editBufferBefore = m.instrument.editBuffer;
+    const Templates storedBefore = m.instrument.stored;
     m.instrument.editBuffer = m.document.editBuffer;
     m.instrument.current = m.document.current;
     if (!editBufferOnly) {
         m.instrument.stored = m.document.stored;
+    }
+    if (!(m.instrument.editBuffer == editBufferBefore) || !(m.instrument.stored == storedBefore)) {
+        m.instrument.editFlag = !(m.instrument.editBuffer == m.instrument.stored);
+        m.bankEdit = m.instrument.editFlag;
     }
     if (m.storeWish) {
         stored();

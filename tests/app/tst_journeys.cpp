@@ -92,6 +92,9 @@ private Q_SLOTS:
     void aNameDecidesAboutTheInstrumentsDataOnceItIsTyped_data();
     void aNameDecidesAboutTheInstrumentsDataOnceItIsTyped();
 
+    // --- Storing
+    void anEditIsStoredToTheInstrument();
+
     // --- The library's way out
     void outOfTheLibraryOnline_data();
     void outOfTheLibraryOnline();
@@ -612,6 +615,32 @@ void TestJourneys::aNameDecidesAboutTheInstrumentsDataOnceItIsTyped()
     QCOMPARE(after.editBuffer == before.editBuffer, !types);
     const auto &knob = after.editBuffer[static_cast<std::size_t>(current)].knobs[0];
     QCOMPARE(knob.displayName.trimmed() == Edited.toLatin1(), types);
+}
+
+// --- Storing -------------------------------------------------------------------------------------
+
+void TestJourneys::anEditIsStoredToTheInstrument()
+{
+    m_memory.editBuffer = m_memory.stored;
+    m_rig = std::make_unique<InstrumentRig>(m_memory);
+    QVERIFY(start(true));
+    auto *store = m_rig->inWindow<COnOffButton>("btnStore");
+    QCOMPARE(m_rig->flag(ParamAddress::BankEditFlag), 0);
+    QVERIFY(!store->isVisible());
+
+    edit();
+    QTRY_VERIFY(store->isVisible());
+    m_rig->click(store);
+    m_rig->click(m_rig->inPanel("btnYes"));
+    QTRY_VERIFY(!store->isVisible());
+    const InstrumentMemory after = m_rig->instrument().contents();
+    const InstrumentTemplate &stored =
+        after.stored[static_cast<std::size_t>(after.currentTemplate)];
+    QCOMPARE(QString::fromLatin1(stored.templateName.trimmed()), Edited);
+    QVERIFY(after.stored == after.editBuffer);
+    QCOMPARE(instrumentDiffers(Bank::EditBuffer, Bank::Stored), noDifference());
+    QCOMPARE(m_rig->instrument().counters().stores, 1);
+    QVERIFY(m_rig->isFree());
 }
 
 // --- The library's way out -----------------------------------------------------------------------

@@ -60,6 +60,12 @@ private Q_SLOTS:
 
 private:
     InstrumentMemory held() const { return m_loopback->instrument.contents(); }
+    // As the instrument has it after a send: it knows that its two banks differ.
+    static InstrumentMemory unstored(InstrumentMemory memory)
+    {
+        memory.editFlag = true;
+        return memory;
+    }
     // A file of other content than the instrument's.
     bool writeFile(const QString &name, quint32 seed)
     {
@@ -179,7 +185,7 @@ void TestInstrumentCommands::sendWritesTheInstrument()
     QVERIFY(writeFile(QStringLiteral("a.Q7V"), 4));
     const QByteArray before = m_cli->read(QStringLiteral("a.Q7V"));
     QCOMPARE(m_cli->run({"send", file(), "--verify"}), 0);
-    QVERIFY(held() == randomMemory(4));
+    QVERIFY(held() == unstored(randomMemory(4)));
     QCOMPARE(m_loopback->instrument.counters().stores, 0);
     QCOMPARE(m_cli->read(QStringLiteral("a.Q7V")), before);
 }
@@ -208,7 +214,7 @@ void TestInstrumentCommands::backupKeepsWhatWasOverwritten()
     QVERIFY(writeFile(QStringLiteral("a.Q7V"), 4));
     const QString backup = m_cli->path(QStringLiteral("b.Q7V"));
     QCOMPARE(m_cli->run({"send", file(), "--backup", backup, "--verify"}), 0);
-    QVERIFY(held() == randomMemory(4));
+    QVERIFY(held() == unstored(randomMemory(4)));
     QVERIFY(fileContents(QStringLiteral("b.Q7V")) == m_memory);
 }
 
@@ -535,7 +541,7 @@ void TestInstrumentCommands::randomMemoriesSurviveTheWayThereAndBack()
     QFETCH(quint32, seed);
     QVERIFY(writeFile(QStringLiteral("a.Q7V"), seed));
     QCOMPARE(m_cli->run({"send", file()}), 0);
-    QVERIFY(held() == randomMemory(seed));
+    QVERIFY(held() == unstored(randomMemory(seed)));
     const QString back = m_cli->path(QStringLiteral("b.Q7V"));
     QCOMPARE(m_cli->run({"receive", back}), 0);
     QCOMPARE(m_cli->run({"diff", file(), back}), 0);

@@ -14,6 +14,7 @@ namespace
 
 constexpr int Port = VirtualInstrument::MessagePort;
 const QByteArray Ack = hex("F0 43 60 02 F7");
+const QByteArray FlagUp = hex("F0 43 10 7F 15 01 23 00 01 F7");
 
 FaultPlan planOf(const QByteArrayList &rules)
 {
@@ -220,13 +221,14 @@ private Q_SLOTS:
             QCOMPARE(recorder.take(), QList<QByteArray>());
             instrument.receive(Port, dump.mid(at, runLength));
         }
-        QCOMPARE(recorder.take(), QList<QByteArray>{Ack});
+        QCOMPARE(recorder.take(), (QList<QByteArray>{FlagUp, Ack}));
         (type == 0x60 ? expected.stored : expected.editBuffer)[49] = dumped();
+        expected.editFlag = true;
         QCOMPARE(instrument.contents(), expected);
         VirtualInstrument::Counters counters;
         counters.headers = counters.footers = counters.acknowledgedDumps = 1;
         counters.blocks = 13;
-        counters.sentMessages = 1;
+        counters.sentMessages = 2;
         QCOMPARE(instrument.counters(), counters);
     }
 
@@ -278,7 +280,7 @@ private Q_SLOTS:
         VirtualInstrument instrument;
         Recorder recorder(instrument);
         instrument.receive(Port, header(0x60, 1) + dumpOf(0x60, 2));
-        QCOMPARE(recorder.take(), QList<QByteArray>{Ack});
+        QCOMPARE(recorder.take(), (QList<QByteArray>{FlagUp, Ack}));
         QCOMPARE(instrument.contents().stored[1], InstrumentTemplate());
         QCOMPARE(instrument.contents().stored[2], dumped());
     }
@@ -303,14 +305,43 @@ private Q_SLOTS:
         t.vstiName.bytes[11] = 'R';
         t.knobs[2].displayName.bytes[14] = 'S';
         t.reserved = 7;
+        expected.editFlag = true;
         QCOMPARE(instrument.contents(), expected);
-        QCOMPARE(recorder.take(), QList<QByteArray>());
+        QCOMPARE(recorder.take(), QList<QByteArray>{FlagUp});
         QCOMPARE(instrument.counters().changes, 8);
 
         instrument.receive(Port, change(0x00, 0x19, hex("02")) + change(0x30, 0x00, hex("01")) +
                                      change(0x11, 0x01, "0deadbeef"));
         QCOMPARE(instrument.contents(), expected);
         QCOMPARE(instrument.counters().refusedMessages, 3);
+    }
+
+    void theFlagTellsThatTheEditBufferHoldsWhatIsNotStored()
+    {
+        const QByteArray flagDown = hex("F0 43 10 7F 15 01 23 00 00 F7");
+        VirtualInstrument instrument;
+        Recorder recorder(instrument);
+        // A change to what is there already is none, and neither is another template.
+        instrument.receive(Port, change(0x10, 0x18, hex("00")));
+        QCOMPARE(recorder.take(), QList<QByteArray>());
+        instrument.receive(Port, change(0x20, 0, hex("02")));
+        QCOMPARE(recorder.take().size(), 1);
+        QVERIFY(!instrument.contents().editFlag);
+
+        instrument.receive(Port, change(0x10, 0x18, hex("07")) + change(0x10, 0x18, hex("08")));
+        QCOMPARE(recorder.take(), QList<QByteArray>{FlagUp});
+        instrument.receive(Port, Store);
+        QCOMPARE(recorder.take(), QList<QByteArray>{flagDown});
+        QCOMPARE(instrument.contents().stored[2].knobs[0].ccNumber, 8);
+
+        // A whole document that is the same in both memories has nothing to store in the end.
+        instrument.receive(Port, dumpOf(0x6F, 2));
+        QCOMPARE(recorder.take(), (QList<QByteArray>{FlagUp, Ack}));
+        instrument.receive(Port, dumpOf(0x6F, 2));
+        QCOMPARE(recorder.take(), QList<QByteArray>{Ack});
+        instrument.receive(Port, dumpOf(0x60, 2));
+        QCOMPARE(recorder.take(), (QList<QByteArray>{flagDown, Ack}));
+        QVERIFY(!instrument.contents().editFlag);
     }
 
     void aChangeOfTheCurrentTemplateIsEchoed()
@@ -361,22 +392,24 @@ private Q_SLOTS:
     {
         VirtualInstrument instrument;
         Recorder recorder(instrument);
-        const QByteArray flag = hex("F0 43 10 7F 15 01 23 00 01 F7");
         QVERIFY(instrument.selectTemplate(2));
         QCOMPARE(recorder.take(), QList<QByteArray>{hex("F0 43 10 7F 15 01 20 00 02 F7")});
         QVERIFY(!instrument.contents().editFlag);
 
         QVERIFY(instrument.setCCNumber(11, 127));
-        QCOMPARE(recorder.take(), (QList<QByteArray>{hex("F0 43 10 7F 15 01 1B 18 7F F7"), flag}));
+        QCOMPARE(recorder.take(),
+                 (QList<QByteArray>{hex("F0 43 10 7F 15 01 1B 18 7F F7"), FlagUp}));
         QVERIFY(instrument.contents().editFlag);
         QVERIFY(instrument.setDisplayFormat(0, 1));
-        QCOMPARE(recorder.take(), (QList<QByteArray>{hex("F0 43 10 7F 15 01 10 19 01 F7"), flag}));
+        QCOMPARE(recorder.take(),
+                 (QList<QByteArray>{hex("F0 43 10 7F 15 01 10 19 01 F7"), FlagUp}));
         QVERIFY(instrument.setControlType(1));
-        QCOMPARE(recorder.take(), (QList<QByteArray>{hex("F0 43 10 7F 15 01 00 19 01 F7"), flag}));
+        QCOMPARE(recorder.take(),
+                 (QList<QByteArray>{hex("F0 43 10 7F 15 01 00 19 01 F7"), FlagUp}));
         QVERIFY(instrument.setRemoteId(4, QStringLiteral("100000401")));
         QCOMPARE(recorder.take(),
                  (QList<QByteArray>{hex("F0 43 10 7F 15 01 14 00 31 30 30 30 30 30 34 30 31 F7"),
-                                    flag}));
+                                    FlagUp}));
 
         const auto byCharacter = [&](char mid, int low, const QByteArray &text) {
             QList<QByteArray> messages;
@@ -384,7 +417,7 @@ private Q_SLOTS:
                 messages.append(hex("F0 43 10 7F 15 01") + mid + static_cast<char>(low++) + c +
                                 '\xF7');
             }
-            messages.append(flag);
+            messages.append(FlagUp);
             return messages;
         };
         QVERIFY(instrument.setKnobName(1, QStringLiteral("Cut \u00E9")));
@@ -462,7 +495,7 @@ private Q_SLOTS:
         for (int n = 0; n < 50; ++n) {
             source.receive(Port, bulkRequest(0x60, n) + bulkRequest(0x6F, n));
         }
-        QCOMPARE(acknowledged.take(), QList<QByteArray>(100, Ack));
+        QCOMPARE(acknowledged.take().count(Ack), 100);
         QCOMPARE(target.contents().stored, memory.stored);
         QCOMPARE(target.contents().editBuffer, memory.editBuffer);
     }
@@ -627,7 +660,7 @@ private Q_SLOTS:
         };
         QList<QByteArray> sent;
         auto instrument = after({"in:corrupt:block4"}, &sent);
-        QCOMPARE(sent, QList<QByteArray>{Ack});
+        QCOMPARE(sent, (QList<QByteArray>{FlagUp, Ack}));
         QCOMPARE(instrument->counters().refusedBlocks, 1);
         QCOMPARE(instrument->contents().stored[3].knobs[3], InstrumentKnob());
         QCOMPARE(instrument->contents().stored[3].knobs[4], dumped().knobs[4]);
@@ -641,11 +674,11 @@ private Q_SLOTS:
         QCOMPARE(instrument->counters().refusedMessages, 1);
 
         instrument = after({"in:shorten:block0"}, &sent);
-        QCOMPARE(sent, QList<QByteArray>{Ack});
+        QCOMPARE(sent, (QList<QByteArray>{FlagUp, Ack}));
         QCOMPARE(instrument->contents().stored[3].templateName, blank.stored[3].templateName);
 
         instrument = after({"in:duplicate:footer"}, &sent);
-        QCOMPARE(sent, QList<QByteArray>{Ack});
+        QCOMPARE(sent, (QList<QByteArray>{FlagUp, Ack}));
         QCOMPARE(instrument->counters().footers, 1);
 
         instrument = after({"in:silent:footer"}, &sent);
@@ -693,6 +726,8 @@ private Q_SLOTS:
         const auto begin = std::chrono::steady_clock::now();
         instrument.receive(Port, dumpOf(0x60, 3));
         QVERIFY(instrument.isSilent());
+        // What it said before the silence, perhaps by the sensing thread.
+        QTRY_VERIFY(recorder.hasSent(FlagUp));
         const auto before = recorder.all().size();
         // It hears, but what it would say is lost.
         instrument.receive(Port, change(0x20, 0, hex("05")));

@@ -157,6 +157,10 @@ private Q_SLOTS:
             for (int number = 0; number < 50; ++number) {
                 expected += dumpOutline('E', editorFraming(0x0E, type, number),
                                         editorFraming(0x0F, type, number));
+                if (type == 0x6F && number == 0) {
+                    // From here on the edit buffer is not what is stored.
+                    expected.append(device(DeviceSide::change(0x23, 0x00, 1)));
+                }
                 expected.append(device(DeviceSide::acknowledge()));
             }
         };

@@ -48,6 +48,7 @@ private Q_SLOTS:
 
     void foreignDataIsIgnored_data();
     void foreignDataIsIgnored();
+    void anotherEditorsImportIsNoneOfThisOne();
 };
 
 void TestEditorLibraryDrag::initTestCase()
@@ -264,14 +265,16 @@ void TestEditorLibraryDrag::theDragPicture()
     QCOMPARE(picture.deviceIndependentSize(), QSizeF(list->width(), list->rowHeight()));
     QCOMPARE(hotSpot, start - list->getItemRect(5).topLeft());
     const QImage image = picture.toImage();
-    QCOMPARE(image.pixelColor(image.width() - 1, 0), list->palette().color(list->backgroundRole()));
+    // It looks like the row that it was.
+    const QColor ground = list->backgroundOddRowColor();
+    QCOMPARE(image.pixelColor(image.width() - 1, 0), ground);
     // The text begins behind the margin, and is drawn without shades.
-    const QColor pen = list->palette().color(list->foregroundRole());
+    const QColor pen = list->foregroundColor();
     int penPixels = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             const QColor color = image.pixelColor(x, y);
-            QVERIFY(color == pen || color == list->palette().color(list->backgroundRole()));
+            QVERIFY(color == pen || color == ground);
             if (color == pen) {
                 ++penPixels;
                 QVERIFY(x >= 5);
@@ -390,6 +393,44 @@ void TestEditorLibraryDrag::foreignDataIsIgnored()
     QCOMPARE(rig.namesOf(Bank::Library), before);
     QCOMPARE(rig.libraryEditFlag(), 0);
     QCOMPARE(rig.flashes(), 0);
+}
+
+void TestEditorLibraryDrag::anotherEditorsImportIsNoneOfThisOne()
+{
+    LibraryRig there;
+    QVERIFY(there.enter());
+    there.importFile(there.makeFile(QStringLiteral("Other.Q7V")));
+    QVERIFY(there.importList()->isVisible());
+    QByteArray dragged;
+    QVERIFY(MouseDrag(there.importList(), middleOf(there.importList(), 2))
+                .then([&] {
+                    const QDrag *drag = there.importList()->findChild<QDrag *>();
+                    dragged = drag->mimeData()->data(TemplateMimeType);
+                    return true;
+                })
+                .release(there.importList(), middleOf(there.importList(), 2))
+                .run());
+    QMimeData mime;
+    mime.setData(TemplateMimeType, dragged);
+
+    LibraryRig here;
+    QVERIFY(here.enter());
+    const QPoint point = middleOf(here.list(), 4);
+    const auto drop = [&] {
+        QDragEnterEvent enter(point, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(here.list(), &enter);
+        QDropEvent event(point, Qt::CopyAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(here.list(), &event);
+    };
+    const QStringList before = here.namesOf(Bank::Library);
+    drop();
+    QCOMPARE(here.namesOf(Bank::Library), before);
+    QCOMPARE(here.libraryEditFlag(), 0);
+
+    // With a second document open, the place that is told is one of it.
+    here.importFile(here.makeFile(QStringLiteral("Own.Q7V"), 'O'));
+    drop();
+    QCOMPARE(here.nameOf(Bank::Library, 4), LibraryRig::name('O', 2));
 }
 
 QTEST_MAIN(TestEditorLibraryDrag)
