@@ -10,10 +10,17 @@
 #include "instrument/VirtualInstrument.h"
 #include "memory/RemoteMemAPI.h"
 #include "protocol/AutoSync.h"
+#include "views/EditorTemplate.h"
+#include "views/PulldownMenu.h"
+#include "views/Setup.h"
+#include "vsti/AnalyzeVSTi.h"
+#include "widgets/CText.h"
 #include "widgets/RemoteEditorStyle.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtGui/QPainter>
@@ -31,9 +38,10 @@
 #include <functional>
 #include <memory>
 
-// manual-figures DIR: the pictures of the manual, taken of the editor itself while it works on an
-// instrument inside this program. Whoever changes the looks of the window calls the target manual,
-// which calls this. Ends with 1, and says why, when something that it waits for does not come.
+// manual-figures DIR PLUGIN: the pictures of the manual, taken of the editor itself while it works
+// on an instrument inside this program, and finds the plug-in, a VST3 instrument. Whoever changes
+// the looks of the window calls the target manual, which calls this. Ends with 1, and says why,
+// when something that it waits for does not come.
 //
 // A callout is a number in the margin with a line to what it means; the manual has the words.
 
@@ -51,6 +59,18 @@ constexpr int LabelWidthPx = -46;
 const QRect PanelPlace(75, 120, 320, 228);
 const QRect ListPlace(0, 133, 170, 144);
 const QColor InkColor(0x9a, 0x34, 0x12);
+
+// The application's name, and the edition's as its settings have the editor list it.
+const QString WorkstationName = QStringLiteral("Trevia 9");
+// Parameters of the plug-in, for the knobs from A1 to D3 in the order of the memory.
+const QStringList RemoteParameters = [] {
+    QStringList ids;
+    for (const int number : {30, 31, 32, 44, 10, 11, 12, 13, 60, 61, 62, 63}) {
+        ids.append(QString::number(number + 4201, 16).rightJustified(9, QLatin1Char('0')));
+    }
+    return ids;
+}();
+const QString WorkstationInList = QStringLiteral("Trevia Pro 9");
 
 enum class Side { Left, Right, Top, Bottom };
 
@@ -89,13 +109,18 @@ void settle()
 class Studio
 {
 public:
-    Studio(const QString &folder, const QString &home)
+    Studio(const QString &folder, const QString &plugin, const QString &home)
         : m_folder(folder)
     {
         MachineFolders folders = machineFolders();
         folders.home = home;
         folders.documents = home;
+        folders.system = home + QStringLiteral("/system");
         setMachineFolders(folders);
+        layOutWorkstation(plugin);
+        // The first one found would be chosen by itself.
+        QSettings(QSettings::UserScope, CorporationName, SettingName)
+            .setValue(QStringLiteral("DAWName"), OtherDAW);
         const QString preset =
             getInitialDirectory().filePath(PresetBankFile.arg(1) + EditorFileExtension);
         InstrumentMemory memory;
@@ -124,10 +149,30 @@ public:
         menus();
         panels();
         library();
+        setUp();
         trouble();
     }
 
 private:
+    // One without plug-ins of its own, and the plug-in in the folder that all of them share.
+    static void layOutWorkstation(const QString &plugin)
+    {
+        const QString application =
+            applicationFolders().first() + WorkstationName + QStringLiteral(".app");
+        const QString settings = preferencesFolder().filePath(
+            WorkstationName + QStringLiteral("/Vst2xPlugins ") +
+            WorkstationName.section(QLatin1Char(' '), 0, 0) + QStringLiteral(".xml"));
+        const QString folder = commonVST3Folders().last();
+        QFile file(settings);
+        if (!QDir().mkpath(application) || !QDir().mkpath(QFileInfo(settings).path()) ||
+            !QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly) ||
+            file.write("<?xml version=\"1.0\"?>\n<Vst2xPlugins/>\n") < 0 ||
+            !QFile::link(QFileInfo(plugin).absoluteFilePath(),
+                         QDir(folder).filePath(QFileInfo(plugin).fileName()))) {
+            giveUp(QStringLiteral("can't lay out a workstation"));
+        }
+    }
+
     template <typename Widget = QWidget>
     Widget *widget(const char *name) const
     {
@@ -246,8 +291,8 @@ private:
         return result;
     }
 
-    // Clicks, and takes what then pops up over the window, which it closes.
-    QImage popupOf(QAbstractButton *button)
+    // Opens, and takes what then pops up over the window, which it closes.
+    QImage popupOf(const std::function<void()> &open)
     {
         QImage taken;
         QTimer poll;
@@ -261,7 +306,7 @@ private:
             popup->close();
         });
         poll.start(200);
-        button->click();
+        open();
         waitFor(QStringLiteral("a popup"), [&taken] { return !taken.isNull(); });
         return taken;
     }
@@ -337,8 +382,10 @@ private:
     void popups()
     {
         // The part of the list that has the chosen number and names around it.
-        save(part(popupOf(widget<QAbstractButton>("btnCCNumberAndDisplayName")), ListPlace),
-             "popup-cc");
+        save(
+            part(popupOf([this] { widget<QAbstractButton>("btnCCNumberAndDisplayName")->click(); }),
+                 ListPlace),
+            "popup-cc");
     }
 
     void menus()
@@ -438,6 +485,66 @@ private:
         settle();
     }
 
+    // A workstation is chosen, its plug-ins are looked for, and a knob is given a parameter.
+    void setUp()
+    {
+        m_window->fileSetup();
+        Setup *panel = nullptr;
+        waitFor(QStringLiteral("the panel Setup"), [this, &panel] {
+            panel = m_window->findChild<Setup *>();
+            return panel != nullptr && panel->isVisible();
+        });
+        panel->popupDAWName();
+        auto *menu = panel->findChild<PulldownMenu *>();
+        for (QAction *action : menu->actions()) {
+            if (action->text().trimmed() == WorkstationInList) {
+                action->trigger();
+            }
+        }
+        menu->close();
+        waitFor(QStringLiteral("the choice"), [panel] {
+            return panel->findChild<PulldownMenu *>() == nullptr &&
+                   panel->findChild<CText *>(QStringLiteral("txtDAWName"))->text() ==
+                       WorkstationInList;
+        });
+        settle();
+        save(part(window(), PanelPlace), "panel-setup");
+        widget<QAbstractButton>("btnOK")->click();
+        waitFor(QStringLiteral("the panel AnalyzeVSTi"),
+                [this] { return m_window->findChild<AnalyzeVSTi *>() != nullptr; });
+        // One plug-in is soon questioned; this hears of it right after the panel.
+        QImage scan;
+        const auto heard = QObject::connect(
+            &m_window->getVSTiInfo(), &VSTiInfo::analyzingVSTi, m_window.get(),
+            [this, &scan](const QString &file) {
+                if (!file.isEmpty()) {
+                    scan = part(m_window->grab().toImage(), PanelPlace);
+                }
+            },
+            Qt::QueuedConnection);
+        waitFor(QStringLiteral("the scan"), [&scan] { return !scan.isNull(); });
+        QObject::disconnect(heard);
+        save(scan, "panel-scan");
+        waitFor(QStringLiteral("the end of the scan"),
+                [this] { return !m_window->isWindowLocked(); });
+
+        auto *view = m_window->findChild<EditorTemplate *>();
+        widget<QAbstractButton>("btnRemote")->click();
+        const QImage instruments =
+            part(popupOf([view] { view->popupVSTiName(); }), QRect(0, 0, 160, 46));
+        widget<QLineEdit>("editVSTiName")
+            ->setText(m_window->getVSTiInfo().getVSTiExtensionNameFromVSTiName(
+                QStringLiteral("Test Instrument")));
+        for (int knob = 0; knob < RemoteParameters.size(); ++knob) {
+            m_api->setParam(ParamAddress(0, 11, knob, ParamAddress::RemoteNumber),
+                            RemoteParameters.at(knob));
+        }
+        settle();
+        const QImage parameters = popupOf([view] { view->popupRemoteControlParameter(); });
+        save(window(), "remote");
+        save(row({instruments, parameters}, 12), "popup-remote");
+    }
+
     // The window's head with the instrument gone.
     void trouble()
     {
@@ -460,8 +567,8 @@ private:
 
 int main(int argc, char **argv)
 {
-    if (argc != 2) {
-        std::fputs("usage: manual-figures DIR\n", stderr);
+    if (argc != 3) {
+        std::fputs("usage: manual-figures DIR PLUGIN\n", stderr);
         return 2;
     }
     // Settings of its own, not the user's.
@@ -473,6 +580,6 @@ int main(int argc, char **argv)
     loadApplicationFonts();
     QApplication::setStyle(new RemoteEditorStyle);
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    Studio(QString::fromLocal8Bit(argv[1]), home.path()).takeAll();
+    Studio(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]), home.path()).takeAll();
     return 0;
 }
