@@ -412,7 +412,9 @@ void TestMainWindow::atTheBoxOfAMissingPresetTheStepsBeforeAreDoneAndThoseBehind
                 seen = found;
             }
         }
-        QVERIFY(seen != nullptr);
+        if (seen == nullptr) {
+            QFAIL("there is no window");
+        }
         // Before it
         QVERIFY(seen->windowFlags() & Qt::FramelessWindowHint);
         QCOMPARE(seen->windowTitle(), EditorName);

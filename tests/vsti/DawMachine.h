@@ -96,7 +96,7 @@ public:
     // Names of the plug-ins for which the helper was started, in order, since the last call.
     QStringList asked() const
     {
-        const QStringList names =
+        QStringList names =
             QString::fromUtf8(read("libexec/asked")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
         QFile::remove(path("libexec/asked"));
         return names;
