@@ -159,7 +159,7 @@ void scanPlugin(benchmark::State &state)
         state.SkipWithError("the instrument was not found");
     }
 }
-BENCHMARK(scanPlugin)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2);
+BENCHMARK(scanPlugin)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
 
 // --- The walk ------------------------------------------------------------------------------------
 
