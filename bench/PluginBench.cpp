@@ -101,6 +101,7 @@ public:
 void runBare(const std::vector<std::string> &command)
 {
     std::vector<char *> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string &argument : command) {
         arguments.push_back(const_cast<char *>(argument.c_str()));
     }
@@ -158,7 +159,7 @@ void scanPlugin(benchmark::State &state)
         state.SkipWithError("the instrument was not found");
     }
 }
-BENCHMARK(scanPlugin)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2);
+BENCHMARK(scanPlugin)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
 
 // --- The walk ------------------------------------------------------------------------------------
 

@@ -117,6 +117,7 @@ private Q_SLOTS:
     void ofTwoFormatsTheLaterOneIsTaken();
     void theOtherFormatIsPutBackOnTheListAfterAnUpdate();
     void anEntryOfTheDatabaseHidesTheOlderFormat();
+    void anEntryOfTheDatabaseHidesByItsNameUpToTheFirstDot();
     void namesWithSeveralDotsAreTwoPlugIns();
     void anOlderFormatIsTakenWhereTheLaterIsNoInstrument();
     void theThreeInstrumentsOfOneFileAreThree();
@@ -708,6 +709,16 @@ void TestVSTiScan::anEntryOfTheDatabaseHidesTheOlderFormat()
     const auto info = scan();
     QCOMPARE(info->results(), QStringList());
     QCOMPARE(asked(), names({"Some.vst3"}));
+    QCOMPARE(notSynths(), latin("Some.so\n"));
+}
+
+void TestVSTiScan::anEntryOfTheDatabaseHidesByItsNameUpToTheFirstDot()
+{
+    QVERIFY(
+        writeBytes(vst3("Some.1.vst3"), says(answer({instrument("S", {parameter(4201, "x")})}))));
+    scanAndEnter();
+    QVERIFY(writeBytes(vst2("Some.so"), says(answer({instrument("S2")}))));
+    QCOMPARE(scan()->results(), QStringList());
     QCOMPARE(notSynths(), latin("Some.so\n"));
 }
 
