@@ -86,9 +86,9 @@ EditorMainWindow::EditorMainWindow(RemoteMemAPI *api, bool autoSyncAtStart)
             &EditorMainWindow::controlWindowSize);
     prepareMemory();
     editorLibrary->initializeList();
-    updatesMenuEnabled();
+    readClipboard();
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this,
-            &EditorMainWindow::updatesMenuEnabled);
+            &EditorMainWindow::readClipboard);
     // Queued, so that a request for a file comes back through the event loop, where a
     // synchronisation can end and a panel die meanwhile.
     connect(this, &EditorMainWindow::fileOpenRequest, this,

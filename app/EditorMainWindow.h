@@ -134,6 +134,9 @@ public:
     bool canDeleteBank() const;
     bool canCopy() const;
     bool canPaste() const;
+    // Whether the clipboard offers this type. It is asked once after each of its changes: an owner
+    // that doesn't answer holds up whoever asks, for seconds each time.
+    bool clipboardHolds(const QString &mimeType) const;
     bool canInitialize() const;
     bool canResetStored() const;
     bool canRestoreHW() const;
@@ -193,6 +196,7 @@ private:
     void buildMenus();
     void buildViews();
     void buildNotifiers();
+    void readClipboard();
     void prepareMemory();
     void readWindowSettings();
     void moveToStoredPosition(const QPoint &stored);
@@ -250,6 +254,7 @@ private:
     QTimer m_fileRetry;
     VSTiInfo vstiInfo;
     bool analyzeVSTiPending = false;
+    QStringList clipboardFormats; // as of the clipboard's last change
     bool autoSyncPending = false;
     bool autoSyncPendingFirst = false;
     bool autoSyncPendingSecond = false;

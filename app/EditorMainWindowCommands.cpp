@@ -17,9 +17,12 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QLocale>
+#include <QtCore/QMimeData>
 #include <QtCore/QUrl>
 #include <QtGui/QAction>
+#include <QtGui/QClipboard>
 #include <QtGui/QDesktopServices>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QFileDialog>
 
 #include <utility>
@@ -102,6 +105,19 @@ bool EditorMainWindow::canCopy() const
 bool EditorMainWindow::canPaste() const
 {
     return currentView == 1 ? editorLibrary->canPaste() : editorTemplate->canPaste();
+}
+
+bool EditorMainWindow::clipboardHolds(const QString &mimeType) const
+{
+    return clipboardFormats.contains(mimeType);
+}
+
+void EditorMainWindow::readClipboard()
+{
+    // Null when the owner of the clipboard has gone.
+    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
+    clipboardFormats = mime != nullptr ? mime->formats() : QStringList();
+    updatesMenuEnabled();
 }
 
 bool EditorMainWindow::canInitialize() const

@@ -210,9 +210,7 @@ int EditorLibrary::getBankNumber() const
 
 bool EditorLibrary::canPaste() const
 {
-    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
-    return bankAvailable && templateListSelected && mime != nullptr &&
-           mime->hasFormat(TemplateMimeType);
+    return bankAvailable && templateListSelected && mainWindow->clipboardHolds(TemplateMimeType);
 }
 
 bool EditorLibrary::canImport() const

@@ -93,9 +93,7 @@ bool EditorTemplate::setKnobMimeData(const QMimeData *mime, int knob)
 
 bool EditorTemplate::canPaste() const
 {
-    // Null when the owner of the clipboard has gone.
-    const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
-    return mime != nullptr && mime->hasFormat(KnobMimeType);
+    return mainWindow->clipboardHolds(KnobMimeType);
 }
 
 void EditorTemplate::copyKnob()

@@ -5,6 +5,7 @@
 //
 //   serves           gives what it is asked for
 //   refuses          says that it has nothing after all
+//   hangs            answers nothing, and says "asked" each time
 //   dies-at-targets  ends when it is asked what it has
 //   dies-at-data     ends when it is asked for the bytes
 //   dies-half-way    begins to send the bytes piece by piece, and ends after the first
@@ -104,6 +105,12 @@ int main(int argc, char **argv)
             const auto &request = *reinterpret_cast<xcb_selection_request_event_t *>(event);
             if (request.target == targets && manner == "dies-at-targets") {
                 return 0;
+            }
+            if (manner == "hangs") {
+                std::puts("asked");
+                std::fflush(stdout);
+                std::free(event);
+                continue;
             }
             if (request.target == data && manner == "dies-at-data") {
                 return 0;

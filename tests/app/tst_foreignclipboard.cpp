@@ -67,6 +67,7 @@ private Q_SLOTS:
     void whatAnotherProgramFailsToGiveWritesNothing();
     void anOwnerThatDiesTakesPasteWithIt_data() { views(); }
     void anOwnerThatDiesTakesPasteWithIt();
+    void anOwnerThatHangsIsAskedOnce();
 
 private:
     static void views()
@@ -252,6 +253,35 @@ void TestForeignClipboard::anOwnerThatDiesTakesPasteWithIt()
     // One's own copy comes back.
     m_rig->window->editCopy();
     QTRY_VERIFY(canPaste());
+}
+
+void TestForeignClipboard::anOwnerThatHangsIsAskedOnce()
+{
+    show(false);
+    QVERIFY(own("serves", knobData()));
+    QTRY_VERIFY(canPaste());
+    m_owner->kill();
+    m_owner->waitForFinished();
+    QVERIFY(own("hangs", knobData()));
+    QTRY_VERIFY_WITH_TIMEOUT(!canPaste(), WaitMs);
+    m_owner->waitForReadyRead(0);
+    const QByteArray asked = m_owner->readAll();
+    QVERIFY(asked.startsWith("asked\n"));
+
+    // Nothing of this asks again, nor waits for an answer.
+    for (int i = 0; i < 5; ++i) {
+        m_rig->window->updatesMenuEnabled();
+        m_rig->window->viewLibrary();
+        m_rig->setFlag(ParamAddress::FileEditFlag, i % 2);
+        m_rig->window->viewTemplate();
+    }
+    QVERIFY(!canPaste());
+    m_owner->waitForReadyRead(200);
+    QCOMPARE(m_owner->readAll(), QByteArray());
+
+    // Another owner, another answer.
+    QVERIFY(own("serves", knobData()));
+    QTRY_VERIFY_WITH_TIMEOUT(canPaste(), WaitMs);
 }
 
 QTEST_MAIN(TestForeignClipboard)
