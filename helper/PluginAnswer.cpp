@@ -114,6 +114,8 @@ ExitCode PluginAnswer::exitCode() const
 bool PluginAnswer::write(const std::string &path) const
 {
     const std::string unfinished = unfinishedPath(path);
+    // Whatever stands there, as what an earlier plug-in has left, is not this one's.
+    unlink(unfinished.c_str());
     const int file =
         open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0666);
     if (file < 0) {

@@ -60,13 +60,15 @@ struct VerdictPipe
     }
 };
 
-std::optional<ExitCode> readVerdict(int readEnd)
+// Nothing also if the pipe has come to its end, as when a plug-in closes what isn't its own.
+std::optional<ExitCode> readVerdict(int readEnd, bool *atEnd)
 {
     std::uint8_t byte = 0;
     ssize_t length = 0;
     do {
         length = read(readEnd, &byte, 1);
     } while (length < 0 && errno == EINTR);
+    *atEnd = length == 0;
     if (length != 1) {
         return {};
     }
@@ -179,7 +181,8 @@ public:
     int run()
     {
         while (!m_hasEnded) {
-            pollfd ends[2] = {{m_signalEnd, POLLIN, 0}, {m_verdict ? -1 : m_verdictEnd, POLLIN, 0}};
+            pollfd ends[2] = {{m_signalEnd, POLLIN, 0},
+                              {isAwaiting() ? m_verdictEnd : -1, POLLIN, 0}};
             poll(ends, 2, timeoutMs());
             if (Clock::now() >= m_deadline) {
                 m_deadline = Never;
@@ -198,6 +201,8 @@ public:
     [[nodiscard]] int endStatus() const { return m_status; }
 
 private:
+    [[nodiscard]] bool isAwaiting() const { return !m_verdict && !m_atEnd; }
+
     [[nodiscard]] int timeoutMs() const
     {
         if (m_deadline == Never) {
@@ -210,10 +215,10 @@ private:
 
     void takeVerdict()
     {
-        if (m_verdict) {
+        if (!isAwaiting()) {
             return;
         }
-        m_verdict = readVerdict(m_verdictEnd);
+        m_verdict = readVerdict(m_verdictEnd, &m_atEnd);
         if (m_verdict) {
             m_deadline = Clock::now() + TearDownTime;
         }
@@ -245,6 +250,7 @@ private:
     bool m_hasEnded = false;
     int m_status = 0;
     std::optional<ExitCode> m_verdict;
+    bool m_atEnd = false;
     Clock::time_point m_deadline = Never;
 };
 

@@ -194,8 +194,9 @@ bool replaceFile(const QString &path, const QByteArray &text)
     // Nobody makes the folder before something is to be written there.
     QDir().mkpath(QFileInfo(path).absolutePath());
     QSaveFile target(path);
+    // What is in the buffer when it commits, it counts as written even if the disk is full.
     return target.open(QIODevice::WriteOnly) && target.write(text) == text.size() &&
-           target.commit();
+           target.flush() && target.commit();
 }
 
 } // namespace

@@ -217,6 +217,12 @@ bool CVSTiPathFinder::AddNotSynthList(const std::string &path) const
     if (fileName.find('\n') != std::string::npos) {
         return true;
     }
+    // Opening a pipe could wait for ever.
+    std::error_code error;
+    if (std::filesystem::exists(notSynthListPath, error) &&
+        !std::filesystem::is_regular_file(notSynthListPath, error)) {
+        return true;
+    }
     // A list that was cut off must not make one line of two.
     std::ifstream list(notSynthListPath, std::ios::binary | std::ios::ate);
     if (list && list.tellg() > 0 && list.seekg(-1, std::ios::end) && list.get() != '\n') {

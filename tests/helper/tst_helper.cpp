@@ -5,6 +5,7 @@
 #include <QtTest/QtTest>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -29,15 +30,21 @@ QStringList namesOf(const ReportedInstrument &instrument)
     return names;
 }
 
-// Ended, whether or not somebody has asked for how it ended.
-bool isGone(pid_t pid)
+// A letter as the kernel tells it; empty if there is no such process.
+QByteArray stateOf(pid_t pid)
 {
     QFile file("/proc/"_q + QString::number(pid) + "/stat"_q);
     if (!file.open(QIODevice::ReadOnly)) {
-        return true;
+        return {};
     }
     const QByteArray line = file.readAll();
-    const QByteArray state = line.mid(line.lastIndexOf(')') + 2, 1);
+    return line.mid(line.lastIndexOf(')') + 2, 1);
+}
+
+// Ended, whether or not somebody has asked for how it ended.
+bool isGone(pid_t pid)
+{
+    const QByteArray state = stateOf(pid);
     return state.isEmpty() || state == "Z" || state == "X";
 }
 
@@ -104,10 +111,12 @@ private Q_SLOTS:
     void whatThePluginStartedIsEnded_data();
     void whatThePluginStartedIsEnded();
     void aHangingPluginEndsWithItsGroup();
+    void aPluginThatClosesWhatIsNotItsOwnKeepsNobodyBusy();
     void aHangingPluginEndsWithTheHelper_data();
     void aHangingPluginEndsWithTheHelper();
 
     void anOldResultIsReplacedWhole();
+    void whatAnEarlierPluginLeftIsInNobodysWay();
     void aResultThatCannotBeWritten();
     void pathsOutsideAscii();
     void helpTellsEveryExitCode();
@@ -728,6 +737,19 @@ void TestHelper::aHangingPluginEndsWithItsGroup()
     QCOMPARE(helper.written(), QStringList());
 }
 
+void TestHelper::aPluginThatClosesWhatIsNotItsOwnKeepsNobodyBusy()
+{
+    HelperRun helper;
+    helper.start(helper.plugin("vst2"_q, "close-and-hang-at-load"_q));
+    QTRY_VERIFY_WITH_TIMEOUT(helper.processId() > 0, 30000);
+    const auto watcher = static_cast<pid_t>(helper.process.processId());
+    QTRY_COMPARE_WITH_TIMEOUT(stateOf(watcher), QByteArray("S"), 30000);
+    QCOMPARE(kill(watcher, SIGTERM), 0);
+    QVERIFY(helper.process.waitForFinished(30000));
+    QVERIFY(helper.died());
+    QTRY_VERIFY_WITH_TIMEOUT(isGone(helper.processId()), 30000);
+}
+
 void TestHelper::aHangingPluginEndsWithTheHelper_data()
 {
     QTest::addColumn<int>("signalNumber");
@@ -766,6 +788,23 @@ void TestHelper::anOldResultIsReplacedWhole()
         QCOMPARE(readFile(helper.path(name)), good);
     }
     QCOMPARE(readFile(helper.path("precious"_q)), QByteArray("kept"));
+}
+
+void TestHelper::whatAnEarlierPluginLeftIsInNobodysWay()
+{
+    HelperRun helper;
+    const QString unfinished = helper.resultPath() + ".part"_q;
+    writeFile(helper.path("precious"_q), "kept");
+    QVERIFY(QFile::link(helper.path("precious"_q), unfinished));
+    QVERIFY(helper.run(helper.plugin("vst3"_q, "plain"_q)));
+    QCOMPARE(helper.exitCode(), 0);
+    QCOMPARE(helper.written(), QStringList{"result.txt"_q});
+    QCOMPARE(readFile(helper.path("precious"_q)), QByteArray("kept"));
+    // Opening it would wait for a reader.
+    QCOMPARE(mkfifo(QFile::encodeName(unfinished).constData(), 0600), 0);
+    QVERIFY(helper.run(helper.plugin("vst3"_q, "plain"_q)));
+    QCOMPARE(helper.exitCode(), 0);
+    QCOMPARE(helper.written(), QStringList{"result.txt"_q});
 }
 
 void TestHelper::aResultThatCannotBeWritten()

@@ -121,6 +121,10 @@ inline void doDeed(const std::string &deed)
     } else if (deed == "hang") {
         tellProcessId(getpid());
         waitForEver();
+    } else if (deed == "close-and-hang") {
+        closefrom(STDERR_FILENO + 1);
+        tellProcessId(getpid());
+        waitForEver();
     } else if (deed == "exit") {
         // A code that means something else altogether when the helper gives it.
         std::exit(3);

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void aFolderWithOrWithoutSlashHoldsTheList();
     void pathsWithoutNameAreNotListed();
     void aListThatCannotBeWrittenIsForgotten();
+    void whatStandsInThePlaceOfAListIsNotOpened();
     void aListThatWasCutOffKeepsItsLines();
     void namesWithLineFeedsDontListOthers();
     void namesOfAnyBytesAreListed();
@@ -424,6 +425,15 @@ void TestPathFinder::aListThatCannotBeWrittenIsForgotten()
     const CVSTiPathFinder finder(m_rig->path("missing"));
     QVERIFY(finder.AddNotSynthList("/p/a.vst"));
     QVERIFY(finder.CheckNotSynthList("/p/a.vst"));
+}
+
+void TestPathFinder::whatStandsInThePlaceOfAListIsNotOpened()
+{
+    const std::string list = m_rig->path("NotSynthList.txt");
+    // Both ways to open it would wait for somebody at the other end.
+    QCOMPARE(mkfifo(list.c_str(), 0600), 0);
+    QVERIFY(finder().AddNotSynthList("/p/a.vst"));
+    QVERIFY(finder().CheckNotSynthList("/p/a.vst"));
 }
 
 void TestPathFinder::aListThatWasCutOffKeepsItsLines()

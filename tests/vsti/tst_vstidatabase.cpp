@@ -141,6 +141,7 @@ private Q_SLOTS:
     void aForeignDocumentStaysAndTheListIsAppended();
     void theFolderIsMadeWhenItIsNeeded();
     void aFullDiskLeavesTheOldFile();
+    void aFullDiskLeavesTheOldFileIfTheNewOneIsSmall();
     void aFileThatCannotBeReplacedLeavesTheModelValid();
     void deeperGroupsThanCanBeReadAreLeftOutOfThePath();
     void aPluginTooLargeForTheFileCostsNoOtherItsPlace_data();
@@ -697,6 +698,22 @@ void TestVSTiDatabase::aFullDiskLeavesTheOldFile()
     QCOMPARE(info.getVSTiParameterList(latin("A")).size(), 1000);
     info.entryVSTiParameter();
     QVERIFY(bytesOf(m_rig->database()).size() > 30000);
+}
+
+void TestVSTiDatabase::aFullDiskLeavesTheOldFileIfTheNewOneIsSmall()
+{
+    ScannedVSTiInfo info = m_rig->info();
+    info.selectDAW(DAW);
+    info.scanResults->append(record("A", m_rig->plugin("a"), {scanned(0, "p")}));
+    info.entryVSTiParameter();
+    const QByteArray old = bytesOf(m_rig->database());
+    info.scanResults->append(record("B", m_rig->plugin("b"), {scanned(0, "p")}));
+    for (const rlim_t room : {rlim_t(0), rlim_t(1), rlim_t(100)}) {
+        const FullDisk disk(room);
+        info.entryVSTiParameter();
+        QCOMPARE(bytesOf(m_rig->database()), old);
+        QCOMPARE(QDir(m_rig->path("data")).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
 }
 
 void TestVSTiDatabase::aFileThatCannotBeReplacedLeavesTheModelValid()
