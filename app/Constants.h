@@ -74,6 +74,7 @@ static const QString NotSynthListFileName = QStringLiteral("NotSynthList.txt");
 static const QString PresetFileName = QStringLiteral("VSTiPreset.xml");
 static const QString PresetDocType = QStringLiteral("VSTiPreset");
 static const QString DatabaseFileName = QStringLiteral("VSTiDatabase.xml");
+static const QString DatabaseLockFileName = QStringLiteral("VSTiDatabase.lock");
 static const QString DatabaseDocType = QStringLiteral("VSTiDatabase");
 static const QString TagDAWList = QStringLiteral("dawlist");
 static const QString TagDAW = QStringLiteral("daw");

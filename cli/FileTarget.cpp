@@ -62,7 +62,8 @@ ExitCode FileTarget::write(Console *console, const QString &path, const QByteArr
         return result;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
+        !file.commit()) {
         return fail(console, path, NotWritten);
     }
     return ExitCode::Done;

@@ -4,6 +4,7 @@
 #include "helper/PlainText.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -114,6 +115,11 @@ ExitCode PluginAnswer::exitCode() const
 bool PluginAnswer::write(const std::string &path) const
 {
     const std::string unfinished = unfinishedPath(path);
+    // A device would be replaced, too, by whoever may do that.
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+        return false;
+    }
     // Whatever stands there, as what an earlier plug-in has left, is not this one's.
     unlink(unfinished.c_str());
     const int file =

@@ -396,7 +396,8 @@ bool InstrumentFile::save(const QString &path, const InstrumentMemory &memory, Q
     }
     const QByteArray xml = print(memory);
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(xml) != xml.size() || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(xml) != xml.size() || !file.flush() ||
+        !file.commit()) {
         *error = QStringLiteral("Failed in the file writing. (%1)").arg(file.errorString());
         return false;
     }

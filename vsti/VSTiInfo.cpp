@@ -112,6 +112,7 @@ void VSTiInfo::entryVSTiParameter()
 
     QFile database(databaseFolder.filePath(DatabaseFileName));
     writeParameterListDatabase(database);
+    m_databaseLock.release();
 
     // Only now: a description beside a plug-in may change without the plug-in, so it is applied on
     // every run and never reaches the database.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/Locks.h"
+#include "vsti/DatabaseLock.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>
@@ -199,6 +200,9 @@ protected:
     int helperTimeoutMs = 60000;
 
 private:
+    // From a scan's begin until its results are entered.
+    DatabaseLock m_databaseLock;
+
     // One instrument of the database, which the stream has just begun. False if it does not count;
     // the stream then stands where it stood.
     bool createParameterListFromEntry(QXmlStreamReader *stream);

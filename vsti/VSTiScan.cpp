@@ -61,6 +61,8 @@ constexpr int IdDigits = 9;
 constexpr int LinePartBytes = 256;
 // How often one looks whether a scan is still wanted.
 constexpr int LookUpMs = 100;
+// What the helper calls its answer until it stands whole.
+const QString UnfinishedSuffix = QStringLiteral(".part");
 // For a helper that was asked to end, before it is made to.
 constexpr int GraceMs = 2000;
 
@@ -95,6 +97,16 @@ std::vector<std::string> bytesOf(const QList<QDir> &folders)
 bool isAbandoned()
 {
     return QThread::currentThread()->isInterruptionRequested();
+}
+
+// Whatever bears the name of the answer, as a folder that a plug-in has made.
+void removeAnswer(const QString &path)
+{
+    for (const QString &name : {path, path + UnfinishedSuffix}) {
+        if (!QFile::remove(name) && QFileInfo(name).isDir() && !QFileInfo(name).isSymLink()) {
+            QDir(name).removeRecursively();
+        }
+    }
 }
 
 // False if the process did not end by itself in time.
@@ -195,6 +207,10 @@ void VSTiInfo::analyzeVSTi()
     vstXmlPrimaryNames.clear();
     // The helper writes there, and so does the finder.
     QDir().mkpath(databaseFolder.absolutePath());
+    m_databaseLock.take(databaseFolder.filePath(DatabaseLockFileName), isAbandoned);
+    if (isAbandoned()) {
+        return;
+    }
     CVSTiPathFinder finder(bytesOf(databaseFolder.absolutePath() + QLatin1Char('/')));
 
     std::vector<std::string> known;
@@ -272,7 +288,7 @@ bool VSTiInfo::execVSTiInfoFinder(const QString &toolPath, const QString &plugin
                                   bool noFallback)
 {
     // An old answer must not be mistaken for a new one.
-    QFile::remove(resultPath);
+    removeAnswer(resultPath);
     const std::optional<unsigned> code =
         run(helperExecutable(toolPath), {pluginPath, resultPath}, helperTimeoutMs);
     bool result = false;
@@ -318,7 +334,7 @@ bool VSTiInfo::execVSTiInfoFinder(const QString &toolPath, const QString &plugin
     if (isFallback && !noFallback && !entryVSTiPreset(pluginPath, isVST2, finder)) {
         finder->AddNotSynthList(bytesOf(pluginPath));
     }
-    QFile::remove(resultPath);
+    removeAnswer(resultPath);
     return result;
 }
 

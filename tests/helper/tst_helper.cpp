@@ -810,6 +810,16 @@ void TestHelper::whatAnEarlierPluginLeftIsInNobodysWay()
 void TestHelper::aResultThatCannotBeWritten()
 {
     HelperRun helper;
+    // Whatever is no file stays what it is.
+    const QByteArray pipe = QFile::encodeName(helper.path("pipe"_q));
+    QCOMPARE(mkfifo(pipe.constData(), 0600), 0);
+    helper.start(QStringList{helper.plugin("vst3"_q, "plain"_q), helper.path("pipe"_q)});
+    QVERIFY(helper.process.waitForFinished(60000));
+    QCOMPARE(helper.exitCode(), 73);
+    struct stat status = {};
+    QCOMPARE(lstat(pipe.constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
+
     helper.start(
         QStringList{helper.plugin("vst3"_q, "plain"_q), helper.path("no/such/result.txt"_q)});
     QVERIFY(helper.process.waitForFinished(60000));

@@ -6,6 +6,8 @@
 
 #include <QtTest/QtTest>
 
+#include <sys/stat.h>
+
 #include <csignal>
 
 // The scan: what is asked of the helper, and what is made of its answers. The helper is a script
@@ -132,6 +134,12 @@ private Q_SLOTS:
     void theDatabaseFolderIsMadeIfMissing();
     void aSecondScanForgetsTheFirst();
     void aScanOnAThreadOfItsOwn();
+    void anotherEditorsScanIsWaitedFor();
+    void aScanThatWaitsCanBeAbandoned();
+    void whatCannotBeLockedIsNotWaitedFor_data();
+    void whatCannotBeLockedIsNotWaitedFor();
+    void aFolderInTheAnswersPlaceIsCleared_data();
+    void aFolderInTheAnswersPlaceIsCleared();
     void aHundredPlugInsOfAllKinds();
     void readingLines();
     void readingLinesOfAnyLength();
@@ -905,6 +913,90 @@ void TestVSTiScan::aScanOnAThreadOfItsOwn()
     info->entryVSTiParameter();
     QCOMPARE(told, QStringList({latin("Some.vst3"), QString()}));
     QCOMPARE(info->getVSTiList().first(), latin("S"));
+}
+
+void TestVSTiScan::anotherEditorsScanIsWaitedFor()
+{
+    QVERIFY(writeBytes(vst3("Some.vst3"), says(answer({instrument("S", {parameter(4201, "x")})}))));
+    // Not entered yet, and so under way.
+    std::unique_ptr<ScanningVSTiInfo> other = scan();
+    QCOMPARE(asked().size(), 1);
+    const auto info = model();
+    info->selectDAW(latin("Some DAW"));
+    AnalyzeVSTiThread thread(info.get());
+    thread.start();
+    QVERIFY(!thread.wait(500));
+    QCOMPARE(asked().size(), 1);
+    other->entryVSTiParameter();
+    QVERIFY(thread.wait(60000));
+    QCOMPARE(asked().size(), 2);
+    QCOMPARE(info->results(), QStringList{latin("S Some.vst3 3 1")});
+    info->entryVSTiParameter();
+    // One that dies in the middle holds nobody up.
+    other = scan();
+    other.reset();
+    QVERIFY(scanAndEnter()->getVSTiList().contains(latin("S")));
+}
+
+void TestVSTiScan::aScanThatWaitsCanBeAbandoned()
+{
+    QVERIFY(writeBytes(vst3("Some.vst3"), says(answer({instrument("S")}))));
+    const std::unique_ptr<ScanningVSTiInfo> other = scan();
+    const auto info = model();
+    info->selectDAW(latin("Some DAW"));
+    AnalyzeVSTiThread thread(info.get());
+    thread.start();
+    thread.requestInterruption();
+    QVERIFY(thread.wait(60000));
+    QCOMPARE(info->results(), QStringList());
+    QCOMPARE(asked().size(), 1);
+}
+
+void TestVSTiScan::whatCannotBeLockedIsNotWaitedFor_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("a pipe") << latin("pipe");
+    QTest::newRow("a folder") << latin("folder");
+    QTest::newRow("a link to elsewhere") << latin("link");
+}
+
+void TestVSTiScan::whatCannotBeLockedIsNotWaitedFor()
+{
+    QFETCH(QString, kind);
+    QVERIFY(writeBytes(vst3("Some.vst3"), says(answer({instrument("S")}))));
+    const QString path = m_rig->path("data/VSTiDatabase.lock");
+    QVERIFY(QDir().mkpath(m_rig->path("data")));
+    if (kind == latin("pipe")) {
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    } else if (kind == latin("folder")) {
+        QVERIFY(QDir().mkpath(path));
+    } else {
+        QVERIFY(QFile::link(m_rig->path("elsewhere"), path));
+    }
+    QVERIFY(scanAndEnter()->getVSTiList().contains(latin("S")));
+    QVERIFY(!QFileInfo::exists(m_rig->path("elsewhere")));
+}
+
+void TestVSTiScan::aFolderInTheAnswersPlaceIsCleared_data()
+{
+    QTest::addColumn<QString>("suffix");
+    QTest::newRow("answer") << QString();
+    QTest::newRow("unfinished answer") << latin(".part");
+}
+
+void TestVSTiScan::aFolderInTheAnswersPlaceIsCleared()
+{
+    QFETCH(QString, suffix);
+    // It uses what stands there, as the helper does.
+    QVERIFY(writeBytes(vst3("Some.vst3"),
+                       "[ ! -e \"$2.part\" ] || exit 73\n" + says(answer({instrument("S")}))));
+    const QString folder = m_rig->path("data/VSTiInfoFinder.txt") + suffix;
+    QVERIFY(QDir().mkpath(folder + latin("/below")));
+    QVERIFY(writeBytes(m_rig->path("precious/file"), "kept"));
+    QVERIFY(QFile::link(m_rig->path("precious"), folder + latin("/link")));
+    QCOMPARE(scan()->results(), QStringList{latin("S Some.vst3 3 0")});
+    QVERIFY(!QFileInfo::exists(folder));
+    QCOMPARE(bytesOf(m_rig->path("precious/file")), QByteArray("kept"));
 }
 
 void TestVSTiScan::aHundredPlugInsOfAllKinds()
