@@ -33,8 +33,12 @@ public:
     }
     int handle() const { return m_handle; }
 
-    // What the device does with a message besides keeping it. Set before the first comes.
-    void setAnswer(LoopbackHub::Receiver answer) { m_answer = std::move(answer); }
+    // What the device does with a message besides keeping it, from the next one on.
+    void setAnswer(LoopbackHub::Receiver answer)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_answer = std::move(answer);
+    }
 
     QList<Message> messages() const
     {
@@ -51,13 +55,15 @@ public:
 private:
     void take(int port, const QByteArray &bytes)
     {
+        LoopbackHub::Receiver answer;
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_messages.append({port, bytes});
             m_changed.notify_all();
+            answer = m_answer;
         }
-        if (m_answer) {
-            m_answer(port, bytes);
+        if (answer) {
+            answer(port, bytes);
         }
     }
 
