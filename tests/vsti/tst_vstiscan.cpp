@@ -906,12 +906,10 @@ void TestVSTiScan::aScanOnAThreadOfItsOwn()
         [&told](const QString &file) { told.append(file); }, Qt::QueuedConnection);
     info->selectDAW(latin("Some DAW"));
     AnalyzeVSTiThread thread(info.get());
-    QSignalSpy finished(&thread, &QThread::finished);
     thread.start(QThread::LowestPriority);
-    QVERIFY(finished.wait(60000));
+    QTRY_COMPARE_WITH_TIMEOUT(told, QStringList({latin("Some.vst3"), QString()}), 60000);
     thread.join();
     info->entryVSTiParameter();
-    QCOMPARE(told, QStringList({latin("Some.vst3"), QString()}));
     QCOMPARE(info->getVSTiList().first(), latin("S"));
 }
 
@@ -929,6 +927,7 @@ void TestVSTiScan::anotherEditorsScanIsWaitedFor()
     QCOMPARE(asked().size(), 1);
     other->entryVSTiParameter();
     QVERIFY(thread.wait(60000));
+    thread.join();
     QCOMPARE(asked().size(), 2);
     QCOMPARE(info->results(), QStringList{latin("S Some.vst3 3 1")});
     info->entryVSTiParameter();
@@ -948,6 +947,7 @@ void TestVSTiScan::aScanThatWaitsCanBeAbandoned()
     thread.start();
     thread.requestInterruption();
     QVERIFY(thread.wait(60000));
+    thread.join();
     QCOMPARE(info->results(), QStringList());
     QCOMPARE(asked().size(), 1);
 }
