@@ -12,6 +12,11 @@ if(TRN_SANITIZE STREQUAL "address")
     set(_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
 elseif(TRN_SANITIZE STREQUAL "thread")
     set(_san -fsanitize=thread -fno-omit-frame-pointer)
+    # In the programs themselves, so that it goes before the sanitizer's.
+    add_library(trn_vfork OBJECT ${CMAKE_SOURCE_DIR}/cmake/VforkUnderThreadSanitizer.cpp)
+    set_target_properties(trn_vfork PROPERTIES AUTOMOC OFF)
+    target_sources(trn_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:trn_vfork>>)
 endif()
 if(_san)
     target_compile_options(trn_options INTERFACE ${_san})
@@ -41,8 +46,7 @@ endfunction()
 # WINDOW_MANAGER: the same with a window manager.
 #
 # The thread sanitizer by default sleeps for a second at the end of each program, which the tests
-# of the programs' time limits would take for theirs; and it takes the start of a program, which shares the
-# memory for a moment, for a fork.
+# of the programs' time limits would take for theirs.
 function(trn_test NAME)
     cmake_parse_arguments(T "DISPLAY;WINDOW_MANAGER" "BINDING;TIMEOUT" "SOURCES;LIBRARIES;LABELS;LOCK;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT T_BINDING)
@@ -102,5 +106,5 @@ function(trn_test NAME)
         COST ${T_TIMEOUT}
         LABELS "${T_LABELS}"
         RESOURCE_LOCK "${T_LOCK}"
-        ENVIRONMENT "QT_HASH_SEED=0;QT_NO_GLIB=1;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:atexit_sleep_ms=100:die_after_fork=0:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
+        ENVIRONMENT "QT_HASH_SEED=0;QT_NO_GLIB=1;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1:abort_on_error=0;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=halt_on_error=0:exitcode=66:atexit_sleep_ms=100:suppressions=${CMAKE_SOURCE_DIR}/tests/tsan.supp;${T_ENVIRONMENT}")
 endfunction()
