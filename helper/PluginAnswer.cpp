@@ -87,12 +87,12 @@ void PluginAnswer::addInstrument(InstrumentRecord record)
     m_instruments.push_back(std::move(record));
 }
 
-void PluginAnswer::addFailure(ExitCode code)
+void PluginAnswer::addFailure(HelperExit code)
 {
     m_failures.push_back(code);
 }
 
-ExitCode PluginAnswer::exitCode() const
+HelperExit PluginAnswer::exitCode() const
 {
     if (!m_instruments.empty()) {
         const bool anyNames = std::any_of(m_instruments.begin(), m_instruments.end(),
@@ -101,15 +101,15 @@ ExitCode PluginAnswer::exitCode() const
             std::all_of(m_instruments.begin(), m_instruments.end(), [](const auto &record) {
                 return !record.hasNames() || record.namesSayNothing();
             });
-        return anyNames && allSayNothing ? ExitCode::NamesSayNothing : ExitCode::List;
+        return anyNames && allSayNothing ? HelperExit::NamesSayNothing : HelperExit::List;
     }
     if (m_failures.empty()) {
-        return ExitCode::NoAudioClass;
+        return HelperExit::NoAudioClass;
     }
-    const auto instrument = std::find_if(m_failures.begin(), m_failures.end(), [](ExitCode code) {
-        return code != ExitCode::NoInstrument;
+    const auto instrument = std::find_if(m_failures.begin(), m_failures.end(), [](HelperExit code) {
+        return code != HelperExit::NoInstrument;
     });
-    return instrument == m_failures.end() ? ExitCode::NoInstrument : *instrument;
+    return instrument == m_failures.end() ? HelperExit::NoInstrument : *instrument;
 }
 
 bool PluginAnswer::write(const std::string &path) const
@@ -141,5 +141,5 @@ bool PluginAnswer::write(const std::string &path) const
 
 std::string unfinishedPath(const std::string &resultPath)
 {
-    return resultPath + ".part";
+    return resultPath + UnfinishedSuffix;
 }

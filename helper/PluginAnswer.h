@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "helper/ExitCode.h"
+#include "helper/HelperResult.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -57,11 +57,11 @@ public:
 
     // Each class that was looked at ends in one of these two.
     void addInstrument(InstrumentRecord record);
-    void addFailure(ExitCode code);
+    void addFailure(HelperExit code);
 
     // An instrument outweighs every failure beside it; an instrument that failed outweighs an
     // effect; a file without any class has no audio class.
-    [[nodiscard]] ExitCode exitCode() const;
+    [[nodiscard]] HelperExit exitCode() const;
 
     // The file appears under its name whole or not at all: it is written beside it and renamed.
     //
@@ -75,7 +75,7 @@ public:
 
 private:
     std::vector<InstrumentRecord> m_instruments;
-    std::vector<ExitCode> m_failures;
+    std::vector<HelperExit> m_failures;
 };
 
 // Where the file is written before it is renamed.

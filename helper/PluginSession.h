@@ -23,6 +23,6 @@ public:
     PluginSession &operator=(const PluginSession &) = delete;
 
     // Returns what is to be said of the file as a whole.
-    [[nodiscard]] virtual ExitCode question(PluginAnswer *answer) = 0;
+    [[nodiscard]] virtual HelperExit question(PluginAnswer *answer) = 0;
     virtual void tearDown() = 0;
 };

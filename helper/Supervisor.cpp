@@ -61,7 +61,7 @@ struct VerdictPipe
 };
 
 // Nothing also if the pipe has come to its end, as when a plug-in closes what isn't its own.
-std::optional<ExitCode> readVerdict(int readEnd, bool *atEnd)
+std::optional<HelperExit> readVerdict(int readEnd, bool *atEnd)
 {
     std::uint8_t byte = 0;
     ssize_t length = 0;
@@ -72,10 +72,10 @@ std::optional<ExitCode> readVerdict(int readEnd, bool *atEnd)
     if (length != 1) {
         return {};
     }
-    return static_cast<ExitCode>(byte);
+    return static_cast<HelperExit>(byte);
 }
 
-void writeVerdict(int writeEnd, ExitCode code)
+void writeVerdict(int writeEnd, HelperExit code)
 {
     const auto byte = static_cast<std::uint8_t>(code);
     ssize_t length = 0;
@@ -86,12 +86,12 @@ void writeVerdict(int writeEnd, ExitCode code)
 
 // --- The child -----------------------------------------------------------------------------------
 
-ExitCode questionHere(PluginSession *session, const std::string &resultPath)
+HelperExit questionHere(PluginSession *session, const std::string &resultPath)
 {
     PluginAnswer answer;
-    const ExitCode code = session->question(&answer);
+    const HelperExit code = session->question(&answer);
     if (hasResult(code) && !answer.write(resultPath)) {
-        return ExitCode::ResultNotWritten;
+        return HelperExit::ResultNotWritten;
     }
     return code;
 }
@@ -103,13 +103,13 @@ ExitCode questionHere(PluginSession *session, const std::string &resultPath)
     leaveTerminal();
     limitResources();
     std::unique_ptr<PluginSession> session;
-    ExitCode code = ExitCode::Internal;
+    HelperExit code = HelperExit::Internal;
     try {
         session = PluginSession::open(pluginFileOf(pluginPath));
         code = questionHere(session.get(), resultPath);
     } catch (...) {
         // The memory was not enough for the answer, or the plug-in threw while it was loaded.
-        code = session == nullptr ? ExitCode::Internal : ExitCode::WouldNotInitialise;
+        code = session == nullptr ? HelperExit::Internal : HelperExit::WouldNotInitialise;
     }
     writeVerdict(verdictEnd, code);
     try {
@@ -197,7 +197,7 @@ public:
         return 0;
     }
 
-    [[nodiscard]] const std::optional<ExitCode> &verdict() const { return m_verdict; }
+    [[nodiscard]] const std::optional<HelperExit> &verdict() const { return m_verdict; }
     [[nodiscard]] int endStatus() const { return m_status; }
 
 private:
@@ -249,14 +249,14 @@ private:
     int m_signalEnd;
     bool m_hasEnded = false;
     int m_status = 0;
-    std::optional<ExitCode> m_verdict;
+    std::optional<HelperExit> m_verdict;
     bool m_atEnd = false;
     Clock::time_point m_deadline = Never;
 };
 
 } // namespace
 
-ExitCode questionSupervised(const std::string &pluginPath, const std::string &resultPath)
+HelperExit questionSupervised(const std::string &pluginPath, const std::string &resultPath)
 {
     sigset_t watched;
     sigset_t before;
@@ -268,13 +268,13 @@ ExitCode questionSupervised(const std::string &pluginPath, const std::string &re
     VerdictPipe pipe;
     const int signalEnd = signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
     if (signalEnd < 0 || !pipe.open() || prctl(PR_SET_CHILD_SUBREAPER, 1) != 0) {
-        return ExitCode::Internal;
+        return HelperExit::Internal;
     }
     // Before the child is there, since it inherits them, and this process needs as little.
     const pid_t self = getpid();
     const pid_t child = fork();
     if (child < 0) {
-        return ExitCode::Internal;
+        return HelperExit::Internal;
     }
     if (child == 0) {
         // Whoever ends the watching process from outside ends the plug-in as well.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "helper/ExitCode.h"
+#include "helper/HelperResult.h"
 
 #include <string>
 
@@ -13,4 +13,4 @@
 // Returns what the child has found out. If it ended without that, this process dies of the child's
 // signal, or of SIGABRT if the plug-in ended it in order; that is how its parent learns of a crash.
 // How long the plug-in may take to answer is for the parent to decide.
-ExitCode questionSupervised(const std::string &pluginPath, const std::string &resultPath);
+HelperExit questionSupervised(const std::string &pluginPath, const std::string &resultPath);

@@ -75,10 +75,10 @@ Vst2Session::Vst2Session(PluginFile file)
 {
 }
 
-ExitCode Vst2Session::question(PluginAnswer *answer)
+HelperExit Vst2Session::question(PluginAnswer *answer)
 {
     if (!m_object.load(m_file.binary)) {
-        return ExitCode::CannotLoad;
+        return HelperExit::CannotLoad;
     }
     // The second name is that of the format's first years.
     m_entry = m_object.function<Entry>("VSTPluginMain");
@@ -86,11 +86,11 @@ ExitCode Vst2Session::question(PluginAnswer *answer)
         m_entry = m_object.function<Entry>("main");
     }
     if (m_entry == nullptr) {
-        return ExitCode::NoEntry;
+        return HelperExit::NoEntry;
     }
     AEffect *effect = create(0);
     if (effect == nullptr) {
-        return ExitCode::WouldNotInitialise;
+        return HelperExit::WouldNotInitialise;
     }
     try {
         if (dispatch(effect, effGetPlugCategory) == kPlugCategShell) {
@@ -99,7 +99,7 @@ ExitCode Vst2Session::question(PluginAnswer *answer)
             questionEffect(effect, {}, answer);
         }
     } catch (...) {
-        answer->addFailure(ExitCode::WouldNotGiveParameters);
+        answer->addFailure(HelperExit::WouldNotGiveParameters);
     }
     return answer->exitCode();
 }
@@ -141,7 +141,7 @@ void Vst2Session::questionShell(AEffect *shell, PluginAnswer *answer)
     for (const auto &[id, name] : listed) {
         AEffect *effect = create(id);
         if (effect == nullptr) {
-            answer->addFailure(ExitCode::WouldNotInitialise);
+            answer->addFailure(HelperExit::WouldNotInitialise);
         } else {
             questionEffect(effect, name, answer);
         }
@@ -152,26 +152,26 @@ void Vst2Session::questionEffect(AEffect *effect, const std::string &listedName,
                                  PluginAnswer *answer)
 {
     if ((effect->flags & effFlagsIsSynth) == 0) {
-        answer->addFailure(ExitCode::NoInstrument);
+        answer->addFailure(HelperExit::NoInstrument);
         return;
     }
     try {
         const int count = effect->numParams;
         if (count < 0) {
-            answer->addFailure(ExitCode::WouldNotGiveParameters);
+            answer->addFailure(HelperExit::WouldNotGiveParameters);
             return;
         }
         InstrumentRecord record(nameOf(effect, listedName));
         for (int index = 0; index < count; ++index) {
             record.addParameter(index, text(effect, effGetParamName, index), {});
             if (record.size() > PluginAnswer::MaximumBytes) {
-                answer->addFailure(ExitCode::WouldNotGiveParameters);
+                answer->addFailure(HelperExit::WouldNotGiveParameters);
                 return;
             }
         }
         answer->addInstrument(std::move(record));
     } catch (...) {
-        answer->addFailure(ExitCode::WouldNotGiveParameters);
+        answer->addFailure(HelperExit::WouldNotGiveParameters);
     }
 }
 

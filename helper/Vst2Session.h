@@ -15,7 +15,7 @@ class Vst2Session : public PluginSession
 public:
     explicit Vst2Session(PluginFile file);
 
-    [[nodiscard]] ExitCode question(PluginAnswer *answer) override;
+    [[nodiscard]] HelperExit question(PluginAnswer *answer) override;
     void tearDown() override;
 
 private:

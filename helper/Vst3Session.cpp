@@ -88,20 +88,20 @@ Vst3Session::Vst3Session(PluginFile file)
 {
 }
 
-ExitCode Vst3Session::question(PluginAnswer *answer)
+HelperExit Vst3Session::question(PluginAnswer *answer)
 {
-    const ExitCode opened = openModule();
-    if (opened != ExitCode::List) {
+    const HelperExit opened = openModule();
+    if (opened != HelperExit::List) {
         return opened;
     }
     questionClasses(answer);
     return answer->exitCode();
 }
 
-ExitCode Vst3Session::openModule()
+HelperExit Vst3Session::openModule()
 {
     if (!m_object.load(m_file.binary)) {
-        return ExitCode::CannotLoad;
+        return HelperExit::CannotLoad;
     }
     using ModuleEntry = bool (*)(void *);
     using ModuleExit = bool (*)();
@@ -109,7 +109,7 @@ ExitCode Vst3Session::openModule()
     const auto factory = m_object.function<GetFactoryProc>("GetPluginFactory");
     if (enter == nullptr || factory == nullptr ||
         m_object.function<ModuleExit>("ModuleExit") == nullptr) {
-        return ExitCode::NoEntry;
+        return HelperExit::NoEntry;
     }
     try {
         m_isEntered = enter(m_object.handle());
@@ -117,7 +117,7 @@ ExitCode Vst3Session::openModule()
         m_isEntered = false;
     }
     if (!m_isEntered) {
-        return ExitCode::WouldNotInitialise;
+        return HelperExit::WouldNotInitialise;
     }
     try {
         m_factory = factory();
@@ -129,7 +129,7 @@ ExitCode Vst3Session::openModule()
     } catch (...) {
         m_factory = nullptr;
     }
-    return m_factory == nullptr ? ExitCode::NoEntry : ExitCode::List;
+    return m_factory == nullptr ? HelperExit::NoEntry : HelperExit::List;
 }
 
 void Vst3Session::questionClasses(PluginAnswer *answer)
@@ -138,7 +138,7 @@ void Vst3Session::questionClasses(PluginAnswer *answer)
     try {
         count = std::min(m_factory->countClasses(), MaximumClasses);
     } catch (...) {
-        answer->addFailure(ExitCode::WouldNotInitialise);
+        answer->addFailure(HelperExit::WouldNotInitialise);
     }
     for (int index = 0; index < count; ++index) {
         try {
@@ -149,10 +149,10 @@ void Vst3Session::questionClasses(PluginAnswer *answer)
             if (namesInstrument(info.subCategories)) {
                 questionInstrument(info, answer);
             } else {
-                answer->addFailure(ExitCode::NoInstrument);
+                answer->addFailure(HelperExit::NoInstrument);
             }
         } catch (...) {
-            answer->addFailure(ExitCode::WouldNotGiveParameters);
+            answer->addFailure(HelperExit::WouldNotGiveParameters);
         }
     }
 }
@@ -191,12 +191,12 @@ void Vst3Session::questionInstrument(const ClassInfo &info, PluginAnswer *answer
 {
     m_instruments.emplace_back();
     Instrument &instrument = m_instruments.back();
-    ExitCode code = ExitCode::WouldNotInitialise;
+    HelperExit code = HelperExit::WouldNotInitialise;
     try {
         code = make(info, &instrument);
     } catch (...) {
     }
-    if (code != ExitCode::List) {
+    if (code != HelperExit::List) {
         answer->addFailure(code);
         return;
     }
@@ -206,57 +206,57 @@ void Vst3Session::questionInstrument(const ClassInfo &info, PluginAnswer *answer
     }
     InstrumentRecord record(isBlank(name) ? "Unnamed" : name);
     code = readParameters(instrument.controller, &record);
-    if (code == ExitCode::List) {
+    if (code == HelperExit::List) {
         answer->addInstrument(std::move(record));
     } else {
         answer->addFailure(code);
     }
 }
 
-ExitCode Vst3Session::make(const ClassInfo &info, Instrument *instrument)
+HelperExit Vst3Session::make(const ClassInfo &info, Instrument *instrument)
 {
     void *component = nullptr;
     if (m_factory->createInstance(info.id, Vst::IComponent::iid, &component) != kResultOk ||
         component == nullptr) {
-        return ExitCode::WouldNotInitialise;
+        return HelperExit::WouldNotInitialise;
     }
     instrument->component = static_cast<Vst::IComponent *>(component);
     if (instrument->component->initialize(&host()) != kResultOk) {
-        return ExitCode::WouldNotInitialise;
+        return HelperExit::WouldNotInitialise;
     }
     instrument->componentIsInitialised = true;
-    const ExitCode code = makeController(instrument);
-    if (code == ExitCode::List) {
+    const HelperExit code = makeController(instrument);
+    if (code == HelperExit::List) {
         instrument->controller->setComponentHandler(&editHandler());
         connect(instrument);
     }
     return code;
 }
 
-ExitCode Vst3Session::makeController(Instrument *instrument)
+HelperExit Vst3Session::makeController(Instrument *instrument)
 {
     instrument->controller = interfaceOf<Vst::IEditController>(instrument->component);
     if (instrument->controller != nullptr) {
-        return ExitCode::List;
+        return HelperExit::List;
     }
     TUID id = {};
     constexpr TUID None = {};
     if (instrument->component->getControllerClassId(id) != kResultOk ||
         std::memcmp(id, None, sizeof(TUID)) == 0) {
-        return ExitCode::NoListAtAll;
+        return HelperExit::NoListAtAll;
     }
     void *controller = nullptr;
     if (m_factory->createInstance(id, Vst::IEditController::iid, &controller) != kResultOk ||
         controller == nullptr) {
-        return ExitCode::WouldNotGiveParameters;
+        return HelperExit::WouldNotGiveParameters;
     }
     instrument->controller = static_cast<Vst::IEditController *>(controller);
     instrument->controllerIsSeparate = true;
     if (instrument->controller->initialize(&host()) != kResultOk) {
-        return ExitCode::WouldNotInitialise;
+        return HelperExit::WouldNotInitialise;
     }
     instrument->controllerIsInitialised = true;
-    return ExitCode::List;
+    return HelperExit::List;
 }
 
 void Vst3Session::connect(Instrument *instrument)
@@ -281,11 +281,11 @@ void Vst3Session::connect(Instrument *instrument)
     stream->release();
 }
 
-ExitCode Vst3Session::readParameters(Vst::IEditController *controller, InstrumentRecord *record)
+HelperExit Vst3Session::readParameters(Vst::IEditController *controller, InstrumentRecord *record)
 {
     const int count = controller->getParameterCount();
     if (count < 0) {
-        return ExitCode::WouldNotGiveParameters;
+        return HelperExit::WouldNotGiveParameters;
     }
     const Units units = unitsOf(controller);
     std::map<Vst::UnitID, std::vector<std::string>> paths;
@@ -317,10 +317,10 @@ ExitCode Vst3Session::readParameters(Vst::IEditController *controller, Instrumen
             record->addParameter(info.id, name, groups);
         }
         if (record->size() > PluginAnswer::MaximumBytes) {
-            return ExitCode::WouldNotGiveParameters;
+            return HelperExit::WouldNotGiveParameters;
         }
     }
-    return anyGiven || count == 0 ? ExitCode::List : ExitCode::WouldNotGiveParameters;
+    return anyGiven || count == 0 ? HelperExit::List : HelperExit::WouldNotGiveParameters;
 }
 
 Vst3Session::Units Vst3Session::unitsOf(Vst::IEditController *controller)

@@ -21,7 +21,7 @@ class Vst3Session : public PluginSession
 public:
     explicit Vst3Session(PluginFile file);
 
-    [[nodiscard]] ExitCode question(PluginAnswer *answer) override;
+    [[nodiscard]] HelperExit question(PluginAnswer *answer) override;
     void tearDown() override;
 
 private:
@@ -52,16 +52,16 @@ private:
     };
     using Units = std::map<Steinberg::Vst::UnitID, Unit>;
 
-    [[nodiscard]] ExitCode openModule();
+    [[nodiscard]] HelperExit openModule();
     void questionClasses(PluginAnswer *answer);
     [[nodiscard]] bool classInfo(int index, ClassInfo *info);
     void questionInstrument(const ClassInfo &info, PluginAnswer *answer);
     // These two return List if it may go on.
-    [[nodiscard]] ExitCode make(const ClassInfo &info, Instrument *instrument);
-    [[nodiscard]] ExitCode makeController(Instrument *instrument);
+    [[nodiscard]] HelperExit make(const ClassInfo &info, Instrument *instrument);
+    [[nodiscard]] HelperExit makeController(Instrument *instrument);
     static void connect(Instrument *instrument);
-    [[nodiscard]] static ExitCode readParameters(Steinberg::Vst::IEditController *controller,
-                                                 InstrumentRecord *record);
+    [[nodiscard]] static HelperExit readParameters(Steinberg::Vst::IEditController *controller,
+                                                   InstrumentRecord *record);
     [[nodiscard]] static Units unitsOf(Steinberg::Vst::IEditController *controller);
     // Outermost first, without the root, which stands for the plug-in itself.
     [[nodiscard]] static std::vector<std::string> groupPath(const Units &units,

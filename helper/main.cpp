@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "helper/ExitCode.h"
+#include "helper/HelperResult.h"
 #include "helper/Supervisor.h"
 
 #include <cstdio>
@@ -35,7 +35,7 @@ int main(int argc, char **argv)
     if (argc == 2 && (first == "--help" || first == "-h")) {
         std::fputs(Usage, stdout);
         std::fputs(About, stdout);
-        for (const ExitCodeMeaning &meaning : ExitCodeMeanings) {
+        for (const HelperExitMeaning &meaning : HelperExitMeanings) {
             std::printf("  %2d  %s\n", static_cast<int>(meaning.code), meaning.text);
         }
         std::fputs(AboutSignals, stdout);
@@ -43,7 +43,7 @@ int main(int argc, char **argv)
     }
     if (argc != 3) {
         std::fputs(Usage, stderr);
-        return static_cast<int>(ExitCode::Usage);
+        return static_cast<int>(HelperExit::Usage);
     }
     return static_cast<int>(questionSupervised(argv[1], argv[2]));
 }

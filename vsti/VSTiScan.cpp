@@ -27,6 +27,7 @@
 #include "VSTiPathFinder/source/filesearch.h"
 #include "app/Constants.h"
 #include "app/Folders.h"
+#include "helper/HelperResult.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
@@ -61,22 +62,8 @@ constexpr int IdDigits = 9;
 constexpr int LinePartBytes = 256;
 // How often one looks whether a scan is still wanted.
 constexpr int LookUpMs = 100;
-// What the helper calls its answer until it stands whole.
-const QString UnfinishedSuffix = QStringLiteral(".part");
 // For a helper that was asked to end, before it is made to.
 constexpr int GraceMs = 2000;
-
-enum HelperExit : unsigned {
-    List = 0,
-    NoListAtAll = 1,
-    NamesSayNothing = 2,
-    NoInstrument = 3,
-    CannotLoad = 4,
-    NoEntry = 5,
-    WouldNotInitialise = 6,
-    WouldNotGiveParameters = 7,
-    NoAudioClass = 8,
-};
 
 std::string bytesOf(const QString &path)
 {
@@ -102,7 +89,7 @@ bool isAbandoned()
 // Whatever bears the name of the answer, as a folder that a plug-in has made.
 void removeAnswer(const QString &path)
 {
-    for (const QString &name : {path, path + UnfinishedSuffix}) {
+    for (const QString &name : {path, path + QLatin1String(UnfinishedSuffix)}) {
         if (!QFile::remove(name) && QFileInfo(name).isDir() && !QFileInfo(name).isSymLink()) {
             QDir(name).removeRecursively();
         }
@@ -294,35 +281,37 @@ bool VSTiInfo::execVSTiInfoFinder(const QString &toolPath, const QString &plugin
     bool result = false;
     // One that was ended in the middle has said nothing.
     bool isFallback = !code.has_value() && !isAbandoned();
-    switch (code.value_or(NoAudioClass + 1)) {
-    case List:
-    case NamesSayNothing: {
+    const HelperExit said = code ? static_cast<HelperExit>(*code) : HelperExit::Internal;
+    switch (said) {
+    case HelperExit::List:
+    case HelperExit::NamesSayNothing: {
         QFile file(resultPath);
         isFallback = !QFileInfo(resultPath).isFile() || file.size() > MaximumResultBytes ||
                      !file.open(QIODevice::ReadOnly) || file.atEnd();
         result = !isFallback;
-        if (!isFallback && !readScanResult(&file, pluginPath, isVST2, finder, *code == List) &&
+        if (!isFallback &&
+            !readScanResult(&file, pluginPath, isVST2, finder, said == HelperExit::List) &&
             !noFallback) {
             finder->AddNotSynthList(bytesOf(pluginPath));
         }
         break;
     }
-    case NoListAtAll:
+    case HelperExit::NoListAtAll:
         entryVSTiPreset(pluginPath, isVST2, finder);
         result = true;
         break;
-    case NoInstrument:
-    case NoAudioClass:
+    case HelperExit::NoInstrument:
+    case HelperExit::NoAudioClass:
         finder->AddNotSynthList(bytesOf(pluginPath));
         result = true;
         break;
-    case CannotLoad:
-    case NoEntry:
+    case HelperExit::CannotLoad:
+    case HelperExit::NoEntry:
         isFallback = true;
         result = !noFallback;
         break;
-    case WouldNotInitialise:
-    case WouldNotGiveParameters:
+    case HelperExit::WouldNotInitialise:
+    case HelperExit::WouldNotGiveParameters:
         if (!entryVSTiPreset(pluginPath, isVST2, finder)) {
             finder->AddNotSynthList(bytesOf(pluginPath));
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "helper/ExitCode.h"
+#include "helper/HelperResult.h"
 #include "tests/helper/HelperRun.h"
 
 #include <QtTest/QtTest>
@@ -825,7 +825,7 @@ void TestHelper::aResultThatCannotBeWritten()
         QStringList{helper.plugin("vst3"_q, "plain"_q), helper.path("no/such/result.txt"_q)});
     QVERIFY(helper.process.waitForFinished(60000));
     QVERIFY(!helper.died());
-    QCOMPARE(helper.exitCode(), static_cast<int>(ExitCode::ResultNotWritten));
+    QCOMPARE(helper.exitCode(), static_cast<int>(HelperExit::ResultNotWritten));
 }
 
 void TestHelper::pathsOutsideAscii()
@@ -849,7 +849,7 @@ void TestHelper::helpTellsEveryExitCode()
     QCOMPARE(helper.exitCode(), 0);
     const QString help = QString::fromUtf8(helper.process.readAllStandardOutput());
     QVERIFY(helper.process.readAllStandardError().isEmpty());
-    for (const ExitCodeMeaning &meaning : ExitCodeMeanings) {
+    for (const HelperExitMeaning &meaning : HelperExitMeanings) {
         const QString line = QString::number(static_cast<int>(meaning.code)).rightJustified(4) +
                              "  "_q + QString::fromUtf8(meaning.text) + "\n"_q;
         QVERIFY2(help.contains("\n"_q + line), qPrintable(line));
@@ -870,7 +870,7 @@ void TestHelper::wrongArguments()
     HelperRun helper;
     helper.start(arguments);
     QVERIFY(helper.process.waitForFinished(60000));
-    QCOMPARE(helper.exitCode(), static_cast<int>(ExitCode::Usage));
+    QCOMPARE(helper.exitCode(), static_cast<int>(HelperExit::Usage));
     QVERIFY(helper.process.readAllStandardError().contains("usage"));
 }
 

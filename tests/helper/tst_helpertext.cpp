@@ -160,7 +160,7 @@ void TestHelperText::classesOfOneFileGiveOneCode()
     QFETCH(int, code);
     PluginAnswer answer;
     for (const int failure : failures) {
-        answer.addFailure(static_cast<ExitCode>(failure));
+        answer.addFailure(static_cast<HelperExit>(failure));
     }
     for (const QStringList &names : instruments) {
         InstrumentRecord record("Name");
