@@ -4,6 +4,7 @@
 #include "cli/LoopbackInstrument.h"
 #include "protocol/RunRig.h"
 #include "views/CloseConfirm.h"
+#include "views/FormCheck.h"
 #include "views/PanelRig.h"
 #include "views/PortOpenError.h"
 #include "views/ProgressLine.h"
@@ -230,45 +231,20 @@ const QStringList ErrorWidgets{QStringLiteral("btnCancel"),   QStringLiteral("bt
 
 void TestAutoSync::theForm()
 {
-    struct Part
-    {
-        const char *name;
-        const char *className;
-        QRect place;
-        const char *image;
-    };
-    const QList<Part> parts{
+    const QList<FormPart> parts{
         {"btnClose", "COnOffButton", QRect(68, 95, 15, 15), ":/images/vd_nsw_close.png"},
-        {"txtMidiPort", "CText", QRect(92, 150, 239, 15), nullptr},
+        {"txtMidiPort", "CText", QRect(92, 150, 239, 15)},
         {"btnMidiPort", "COnOffButton", QRect(89, 149, 265, 18), ":/images/vd_nsw_pulldown.png"},
         {"btnStart", "COnOffButton", QRect(249, 287, 51, 15), ":/images/vd_nsw_start.png"},
         {"btnRetry", "COnOffButton", QRect(249, 287, 51, 15), ":/images/vd_nsw_retry.png"},
         {"btnCancel", "COnOffButton", QRect(304, 287, 51, 15), ":/images/vd_nsw_cancel.png"},
-        {"lblAnimation", "QLabel", QRect(91, 214, 259, 10), nullptr},
-        {"txtMessage", "CText", QRect(91, 212, 263, 14), nullptr},
-        {"lineProgress", "ProgressLine", QRect(91, 229, 258, 2), nullptr},
+        {"lblAnimation", "QLabel", QRect(91, 214, 259, 10)},
+        {"txtMessage", "CText", QRect(91, 212, 263, 14)},
+        {"lineProgress", "ProgressLine", QRect(91, 229, 258, 2)},
         {"lblError", "QLabel", QRect(91, 212, 263, 14), ":/images/t27r_txt_error.png"},
     };
     QVERIFY(openPanel(false, true));
-    QCOMPARE(panel()->geometry(), QRect(14, 31, 442, 419));
-    QCOMPARE(panel()->objectName(), QStringLiteral("AutoSync"));
-    QCOMPARE(panel()->backgroundPixmap().cacheKey(),
-             artwork(":/images/trn_bak_autosync.png").cacheKey());
-    QCOMPARE(panel()->font().family(), QStringLiteral("Corvan QRL 8"));
-    QCOMPARE(panel()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size(),
-             parts.size());
-    for (const Part &part : parts) {
-        auto *widget = m_rig->inPanel(part.name);
-        QVERIFY2(widget != nullptr, part.name);
-        QCOMPARE(widget->metaObject()->className(), part.className);
-        QCOMPARE(widget->geometry(), part.place);
-        if (auto *skinned = qobject_cast<COnOffButton *>(widget)) {
-            QCOMPARE(skinned->combinedImage().cacheKey(), artwork(part.image).cacheKey());
-            QVERIFY(!skinned->hasDownImage());
-            QVERIFY(!skinned->accessibleName().isEmpty());
-        }
-    }
-    QCOMPARE(m_rig->inPanel("txtMessage")->font().family(), QStringLiteral("Corvan QRL 10"));
+    checkForm(panel(), "AutoSync", ":/images/trn_bak_autosync.png", parts);
     QCOMPARE(m_rig->inPanel<QLabel>("lblError")->pixmap(Qt::ReturnByValue).cacheKey(),
              artwork(":/images/t27r_txt_error.png").cacheKey());
 }
