@@ -245,6 +245,11 @@ int RemoteEditorStyle::styleHint(StyleHint hint, const QStyleOption *option, con
     if (const QStyle *style = styleFor(widget)) {
         return style->styleHint(hint, option, widget, returnData);
     }
+    // Else what a menu has more than the screen has rows would stand in further columns, and so
+    // outside of a menu of fixed width.
+    if (hint == SH_Menu_Scrollable) {
+        return 1;
+    }
     if (hint == SH_ItemView_ShowDecorationSelected) {
         if (isPopupTree(widget)) {
             return 0;

@@ -6,6 +6,7 @@
 #include <QtTest/QtTest>
 
 #include <QtGui/QPainter>
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
@@ -178,6 +179,7 @@ private Q_SLOTS:
     void painterStateIsAsBefore();
     void aRealMenuGivesRoomToTextsAndShortcuts();
     void aRealMenuShowsTheSelectedItem();
+    void aMenuLongerThanTheScreenScrollsAndShowsIt();
     void nothingIsPaintedOutsideOfTheItemsRectangle();
     void everyPixelIsTwoByTwoAtTwiceTheScale_data();
     void everyPixelIsTwoByTwoAtTwiceTheScale();
@@ -1214,6 +1216,47 @@ void TestEditorStyle::aRealMenuShowsTheSelectedItem()
     // A frame of one pixel.
     QCOMPARE(image.pixel(0, 0), rgb(colorPaletteFrame));
     QCOMPARE(menu.actionGeometry(first).topLeft(), QPoint(1, 1));
+    menu.close();
+}
+
+void TestEditorStyle::aMenuLongerThanTheScreenScrollsAndShowsIt()
+{
+    QMenu menu;
+    menu.setFixedWidth(265);
+    const QRect screen = menu.screen()->geometry();
+    for (int i = 0; i < screen.height() / 8; ++i) {
+        menu.addAction(QString::number(i));
+    }
+    const auto shows = [&menu](int index) {
+        return menu.rect().contains(menu.actionGeometry(menu.actions().at(index)));
+    };
+    // How many pixels of an arrow there are in the uppermost rows, or in the lowest.
+    const auto arrowPixels = [&menu](bool below) {
+        const QImage image = menu.grab().toImage();
+        int count = 0;
+        for (int y = 1; y < 10; ++y) {
+            for (int x = 100; x < 165; ++x) {
+                const int row = below ? image.height() - 1 - y : y;
+                count += image.pixel(x, row) == rgb(colorMenuEnableText) ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    menu.popup(screen.topLeft());
+    QVERIFY(QTest::qWaitForWindowExposed(&menu));
+    QVERIFY(screen.contains(menu.geometry()));
+    const int last = static_cast<int>(menu.actions().size()) - 1;
+    QVERIFY(shows(0));
+    QVERIFY(!shows(last));
+    QCOMPARE(arrowPixels(false), 0);
+    QVERIFY(arrowPixels(true) > 5);
+    QTest::keyClick(&menu, Qt::Key_End);
+    QVERIFY(shows(last));
+    QVERIFY(!shows(0));
+    QVERIFY(arrowPixels(false) > 5);
+    // The mouse on the arrow goes on by itself.
+    QTest::mouseMove(&menu, QPoint(130, 4));
+    QTRY_VERIFY(shows(0));
     menu.close();
 }
 
