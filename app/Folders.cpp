@@ -83,13 +83,13 @@ const QString PresetBankFileName = PresetBankFile.arg(1) + EditorFileExtension;
 QString shareFolder()
 {
     const QString &set = overrides().shareFolder;
-    return set.isEmpty() ? QStringLiteral(TRN_INSTALL_SHARE) : set;
+    return set.isEmpty() ? executableFolder() + QStringLiteral("/" TRN_TO_INSTALLED_SHARE) : set;
 }
 
 QString libexecFolder()
 {
     const QString &set = overrides().libexecFolder;
-    return set.isEmpty() ? QStringLiteral(TRN_INSTALL_LIBEXEC) : set;
+    return set.isEmpty() ? executableFolder() + QStringLiteral("/" TRN_TO_INSTALLED_LIBEXEC) : set;
 }
 
 #endif
@@ -138,7 +138,7 @@ QDir getExecuteDirectory()
 #ifdef Q_OS_MACOS
     return QDir(bundleResources());
 #else
-    const QDir installed(libexecFolder());
+    const QDir installed(QDir::cleanPath(libexecFolder()));
     return installed.exists() ? installed : QDir(executableFolder());
 #endif
 }

@@ -35,7 +35,8 @@ MachineFolders machineFolders();
 QDir getAppDataDirectory();
 // Resources: the preset bank, the plug-in presets, the manual. The folder "resources" beside the
 // executable or one level above, or the installed share folder, whichever holds the preset bank
-// first; on macOS the bundle's resources. A QDir of a null path if there is none.
+// first; on macOS the bundle's resources. A QDir of a null path if there is none. The installed
+// folders are found from the executable's on, wherever the installation lies.
 QDir getInitialDirectory();
 // Helper programs: the executable's folder, or the installed libexec folder if it exists.
 QDir getExecuteDirectory();
