@@ -92,6 +92,10 @@ public:
     void closeConfirm(CloseConfirm::NextActionType action);
 
     // --- Ports.
+    // Lists the instruments anew. Ports go by their position in the platform's lists, which shifts
+    // when instruments come and go: getPortIndex() and the ports in use follow the instrument that
+    // the route was opened for. While that one is gone the index stays and no port counts as in
+    // use.
     void updatePortInfoList();
     // index: into the list of names; 0 is no instrument.
     void setPortIndex(int index);
@@ -204,6 +208,7 @@ private:
     void choosePort();
 
     void openRoute();
+    void takePorts(const PortInfo &info);
     int templateToReset() const;
     static void placePanel(EditorOverlap *panel);
     // Makes the panel unless it stands, and shows it.
@@ -246,6 +251,7 @@ private:
     int activeSensePort = 0;
     int communicationInPort = 0;
     int communicationOutPort = 0;
+    QString routeName; // of the instrument that the three were opened for; null without a route
     QStringList dawList;
     QString dawName;
     QString portName;           // of the last port that failed to open

@@ -17,15 +17,29 @@ void EditorMainWindow::updatePortInfoList()
     for (const PortInfo &info : std::as_const(portInfoList)) {
         portNameList.append(info.name);
     }
+    if (routeName.isNull()) {
+        return;
+    }
+    const auto found = portNameList.indexOf(routeName, 1);
+    if (found > 0) {
+        portIndex = static_cast<int>(found);
+    }
+    takePorts(portInfoList.value(found - 1));
+}
+
+void EditorMainWindow::takePorts(const PortInfo &info)
+{
+    activeSensePort = info.activeSensePort;
+    communicationInPort = info.communicationInPort;
+    communicationOutPort = info.communicationOutPort;
 }
 
 // The route of portIndex, which is above 0.
 void EditorMainWindow::openRoute()
 {
     const PortInfo info = portInfoList.value(portIndex - 1);
-    activeSensePort = info.activeSensePort;
-    communicationInPort = info.communicationInPort;
-    communicationOutPort = info.communicationOutPort;
+    routeName = info.name;
+    takePorts(info);
     midiRouteOpen = remoteMemAPI->createMIDIComunicationRoute(activeSensePort, communicationInPort,
                                                               communicationOutPort);
     if (!midiRouteOpen) {
@@ -41,6 +55,7 @@ void EditorMainWindow::setPortIndex(int index)
 {
     if (index <= 0 && portIndex > 0) {
         portIndex = index;
+        routeName.clear();
         remoteMemAPI->deleteMIDIComunicationRoute();
         remoteMemAPI->setONLINEstate(0);
     } else if (index > 0) {

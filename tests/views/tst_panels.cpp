@@ -321,7 +321,9 @@ void TestPanels::aLongPortNameIsCut()
         QStringLiteral("An interface with a name of quite some length, ") + PortName;
     m_rig->window->portOpenError(name);
     auto *message = m_rig->inPanel<CText>("txtMessage");
-    QVERIFY(message != nullptr);
+    if (message == nullptr) {
+        QFAIL("no message");
+    }
     QVERIFY(message->text() != name);
     QVERIFY(QFontMetrics(message->font()).horizontalAdvance(message->text()) <= message->width());
     QCOMPARE(message->accessibleName(), name);

@@ -37,6 +37,8 @@ private Q_SLOTS:
     void theForm();
     void theFieldsShowWhatIsInUse();
     void anIndexBeyondTheListCountsAsNoPort();
+    void thePortInUseIsShownWhereverItStands();
+    void anotherPortInThePlaceOfTheOneInUseIsAnother();
     void withAPanelInTheWindowItDoesNotOpen();
 
     void leavingChangesNothing_data();
@@ -184,6 +186,49 @@ void TestSetup::anIndexBeyondTheListCountsAsNoPort()
     m_otherDevice.reset();
     QVERIFY(openPanel() != nullptr);
     QCOMPARE(shown("txtMidiPort"), PortNotAssigned);
+}
+
+// Those in front of it in the list have gone, or come back.
+void TestSetup::thePortInUseIsShownWhereverItStands()
+{
+    QVERIFY(openWindow(OtherDeviceName));
+    m_rig->setFlag(ParamAddress::IsOnline, 1);
+    for (const int index : {1, 2}) {
+        if (index == 1) {
+            m_device.reset();
+        } else {
+            m_otherDevice.reset();
+            m_device = std::make_unique<LoopbackInstrument>();
+            m_otherDevice =
+                std::make_unique<LoopbackInstrument>(InstrumentMemory(), OtherDeviceName);
+        }
+        QVERIFY(openPanel() != nullptr);
+        QCOMPARE(shown("txtMidiPort"), OtherDeviceName);
+        QCOMPARE(m_rig->window->getPortIndex(), index);
+        m_rig->pressKey(Qt::Key_Return);
+        QTRY_VERIFY(panel() == nullptr);
+        // The route was left as it is.
+        QVERIFY(m_rig->api->isONLINE());
+        QCOMPARE(m_rig->window->getPortIndex(), index);
+        QCOMPARE(MainWindowRig::stored("PortName").toString(), OtherDeviceName);
+    }
+}
+
+// One instrument is taken off the cable and another put on: it has the numbers of the first.
+void TestSetup::anotherPortInThePlaceOfTheOneInUseIsAnother()
+{
+    m_otherDevice.reset();
+    QVERIFY(openWindow(DeviceName));
+    m_device.reset();
+    m_otherDevice = std::make_unique<LoopbackInstrument>(InstrumentMemory(), OtherDeviceName);
+    QVERIFY(openPanel() != nullptr);
+    QVERIFY(choose("btnMidiPort", OtherDeviceName));
+    m_rig->click(m_rig->inPanel("btnOK"));
+    QTRY_VERIFY(panel() == nullptr);
+    QCOMPARE(MainWindowRig::stored("PortName").toString(), OtherDeviceName);
+    m_rig->api->emitPortActivatedSignal();
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 100);
 }
 
 void TestSetup::withAPanelInTheWindowItDoesNotOpen()
