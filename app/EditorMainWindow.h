@@ -99,7 +99,8 @@ public:
     void updatePortInfoList();
     // index: into the list of names; 0 is no instrument.
     void setPortIndex(int index);
-    int getPortIndex() const { return portIndex; }
+    // 0 while the instrument of the route is not listed: whoever stands in its place is another.
+    int getPortIndex() const { return routeGone ? 0 : portIndex; }
     QStringList getPortNameList() const { return portNameList; }
     QString getPortName() const { return portName; }
     void setPortName(const QString &name) { portName = name; }
@@ -252,6 +253,7 @@ private:
     int communicationInPort = 0;
     int communicationOutPort = 0;
     QString routeName; // of the instrument that the three were opened for; null without a route
+    bool routeGone = false; // that instrument is not in the list, or not with all of its ports
     QStringList dawList;
     QString dawName;
     QString portName;           // of the last port that failed to open

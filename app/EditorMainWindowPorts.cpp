@@ -21,9 +21,11 @@ void EditorMainWindow::updatePortInfoList()
         return;
     }
     const auto found = portNameList.indexOf(routeName, 1);
-    if (found > 0) {
+    routeGone = found < 0;
+    if (!routeGone) {
         portIndex = static_cast<int>(found);
     }
+    // While it is gone no port is in use, and each that is chosen is another.
     takePorts(portInfoList.value(found - 1));
 }
 
@@ -39,6 +41,7 @@ void EditorMainWindow::openRoute()
 {
     const PortInfo info = portInfoList.value(portIndex - 1);
     routeName = info.name;
+    routeGone = false;
     takePorts(info);
     midiRouteOpen = remoteMemAPI->createMIDIComunicationRoute(activeSensePort, communicationInPort,
                                                               communicationOutPort);
@@ -56,6 +59,7 @@ void EditorMainWindow::setPortIndex(int index)
     if (index <= 0 && portIndex > 0) {
         portIndex = index;
         routeName.clear();
+        routeGone = false;
         remoteMemAPI->deleteMIDIComunicationRoute();
         remoteMemAPI->setONLINEstate(0);
     } else if (index > 0) {
@@ -82,6 +86,12 @@ void EditorMainWindow::activePort()
 {
     if (remoteMemAPI->isONLINE()) {
         // A sign that was on its way when the synchronisation ended.
+        return;
+    }
+    updatePortInfoList();
+    if (routeGone) {
+        // An instrument that returns shows one port after another, and gives the sign by the first.
+        // Its next sign finds them all.
         return;
     }
     remoteMemAPI->setWatchPortActivate(false);

@@ -39,6 +39,8 @@ private Q_SLOTS:
     void anIndexBeyondTheListCountsAsNoPort();
     void thePortInUseIsShownWhereverItStands();
     void anotherPortInThePlaceOfTheOneInUseIsAnother();
+    void aPortThatIsGoneIsNotTheOneInItsPlace();
+    void aSignOfAnInstrumentThatIsNotYetBackWaits();
     void withAPanelInTheWindowItDoesNotOpen();
 
     void leavingChangesNothing_data();
@@ -229,6 +231,37 @@ void TestSetup::anotherPortInThePlaceOfTheOneInUseIsAnother()
     m_rig->api->emitPortActivatedSignal();
     QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
     QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 100);
+}
+
+// Which is not the one in use, and must not become it by an OK that chooses a DAW.
+void TestSetup::aPortThatIsGoneIsNotTheOneInItsPlace()
+{
+    QVERIFY(openWindow(DeviceName));
+    m_device.reset();
+    QVERIFY(openPanel() != nullptr);
+    QCOMPARE(shown("txtMidiPort"), PortNotAssigned);
+    m_rig->pressKey(Qt::Key_Return);
+    QTRY_VERIFY(panel() == nullptr);
+    QCOMPARE(m_rig->window->getPortIndex(), 0);
+    QCOMPARE(MainWindowRig::stored("PortName").toString(), PortNotAssigned);
+}
+
+// Its sign of life comes before it is listed whole; the other instrument gets nothing.
+void TestSetup::aSignOfAnInstrumentThatIsNotYetBackWaits()
+{
+    QVERIFY(openWindow(DeviceName));
+    m_device.reset();
+    m_rig->api->emitPortActivatedSignal();
+    QTest::qWait(200);
+    QVERIFY(m_rig->anyPanel() == nullptr);
+    QVERIFY(m_rig->api->isWatchPortActivate());
+    QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 0);
+    m_device = std::make_unique<LoopbackInstrument>();
+    m_rig->api->emitPortActivatedSignal();
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QCOMPARE(m_device->instrument.counters().bulkRequests, 100);
+    QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 0);
+    QCOMPARE(m_otherDevice->instrument.counters().headers, 0);
 }
 
 void TestSetup::withAPanelInTheWindowItDoesNotOpen()
