@@ -18,6 +18,7 @@ constexpr int LongestVSTiName = 12;
 
 const QString EditWord = QStringLiteral("edit");
 const QString StoredWord = QStringLiteral("stored");
+const QString RemoteNumberName = QStringLiteral("remoteNumber");
 const QString CurrentTemplateWord = QStringLiteral("currentTemplateNumber");
 
 QString bankWord(int bank)
@@ -80,7 +81,7 @@ const QList<FileField> &FileField::ofKnob()
          ControllerData::MaximumDisplayNameLength},
         {QStringLiteral("ccNumber"), ParamAddress::CCNumber, false, 127},
         {QStringLiteral("displayFormat"), ParamAddress::DisplayFormat, false, 1},
-        {QStringLiteral("remoteNumber"), ParamAddress::RemoteNumber, true,
+        {RemoteNumberName, ParamAddress::RemoteNumber, true,
          ControllerData::MaximumRemoteTagIDLength}};
     return fields;
 }
@@ -188,9 +189,12 @@ bool FileAddress::setValue(RemoteMemAPI *api, const QString &text, QString *erro
         return false;
     };
     if (m_field.isText) {
-        if (text.size() > m_field.limit) {
+        // An identifier is kept in small letters, and of one letter these may be two.
+        const bool isIdentifier = m_field.name == RemoteNumberName;
+        const auto size = isIdentifier ? text.toLower().size() : text.size();
+        if (size > m_field.limit) {
             return fail(QStringLiteral("it has %1 characters, and %2 is the most.")
-                            .arg(text.size())
+                            .arg(size)
                             .arg(m_field.limit));
         }
         if (hasControlCharacter(text) || XmlDocument::writable(text) != text) {

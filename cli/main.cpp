@@ -39,7 +39,12 @@ bool takeSignals()
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
     // A service that died must not end the program with the next byte written to its socket.
     std::signal(SIGPIPE, SIG_IGN);
-    return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0;
+    // The end of the terminal, unless somebody wants the program to outlive it.
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    const bool outlives = hangUp.sa_handler == SIG_IGN;
+    return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0 &&
+           (outlives || sigaction(SIGHUP, &action, nullptr) == 0);
 }
 
 // The program's own messages go through the console; the library's stay away from the terminal.

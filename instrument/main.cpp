@@ -41,6 +41,12 @@ int takeSignals()
     sigemptyset(&set);
     sigaddset(&set, SIGTERM);
     sigaddset(&set, SIGINT);
+    // The end of the terminal, unless somebody wants the program to outlive it.
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN) {
+        sigaddset(&set, SIGHUP);
+    }
     sigaddset(&set, SIGUSR1);
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     // A service that died must not end us with the next byte written to its socket.

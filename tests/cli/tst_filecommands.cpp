@@ -195,6 +195,8 @@ void TestFileCommands::refusedValuesNameTheLimit_data()
     row("display name too long", "edit/1/knobA1/displayName", "sixteen letters!", "15 is the most");
     row("template name too long", "edit/1/templateName", "fourteen chars", "13 is the most");
     row("instrument name too long", "edit/1/vstiName", "thirteen char", "12 is the most");
+    row("remote number too long in small letters", "edit/1/knobA1/remoteNumber",
+        "\xC4\xB0\xC4\xB0\xC4\xB0\xC4\xB0\xC4\xB0", "9 is the most");
     row("remote number too long", "edit/1/knobA1/remoteNumber", "0123456789", "9 is the most");
     row("a control character", "edit/1/templateName", "a\x01", "can't be written");
     row("a line end", "edit/1/templateName", "a\nb", "can't be written");

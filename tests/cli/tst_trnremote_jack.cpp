@@ -369,6 +369,7 @@ void TestTrnRemoteJack::aSignalEndsARunInOrder_data()
     QTest::addColumn<int>("signal");
     QTest::newRow("SIGINT") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void TestTrnRemoteJack::aSignalEndsARunInOrder()

@@ -243,7 +243,7 @@ private Q_SLOTS:
         peer.send(Store);
         QTRY_COMPARE_WITH_TIMEOUT(
             peer.messages(), QList<QByteArray>{hex("F0 43 10 7F 15 01 23 00 00 F7")}, TimeoutMs);
-        QVERIFY(program.sendSignal(SIGTERM));
+        QVERIFY(program.sendSignal(SIGHUP));
         QCOMPARE(program.exitCode(), 0);
         memory.stored = memory.editBuffer;
         QCOMPARE(loaded(dumped), memory);
