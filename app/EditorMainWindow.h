@@ -94,13 +94,12 @@ public:
     // --- Ports.
     // Lists the instruments anew. Ports go by their position in the platform's lists, which shifts
     // when instruments come and go: getPortIndex() and the ports in use follow the instrument that
-    // the route was opened for. While that one is gone the index stays and no port counts as in
-    // use.
+    // the route was opened for. Not while a panel stands that holds positions of the old list.
     void updatePortInfoList();
     // index: into the list of names; 0 is no instrument.
     void setPortIndex(int index);
     // 0 while the instrument of the route is not listed: whoever stands in its place is another.
-    int getPortIndex() const { return routeGone ? 0 : portIndex; }
+    int getPortIndex() const { return isRouteGone() ? 0 : portIndex; }
     QStringList getPortNameList() const { return portNameList; }
     QString getPortName() const { return portName; }
     void setPortName(const QString &name) { portName = name; }
@@ -210,6 +209,8 @@ private:
 
     void openRoute();
     void takePorts(const PortInfo &info);
+    // Its instrument was not in the last list, or not with all of its ports.
+    bool isRouteGone() const { return !routeName.isNull() && communicationInPort == 0; }
     int templateToReset() const;
     static void placePanel(EditorOverlap *panel);
     // Makes the panel unless it stands, and shows it.
@@ -253,7 +254,6 @@ private:
     int communicationInPort = 0;
     int communicationOutPort = 0;
     QString routeName; // of the instrument that the three were opened for; null without a route
-    bool routeGone = false; // that instrument is not in the list, or not with all of its ports
     QStringList dawList;
     QString dawName;
     QString portName;           // of the last port that failed to open

@@ -21,8 +21,7 @@ void EditorMainWindow::updatePortInfoList()
         return;
     }
     const auto found = portNameList.indexOf(routeName, 1);
-    routeGone = found < 0;
-    if (!routeGone) {
+    if (found > 0) {
         portIndex = static_cast<int>(found);
     }
     // While it is gone no port is in use, and each that is chosen is another.
@@ -41,7 +40,6 @@ void EditorMainWindow::openRoute()
 {
     const PortInfo info = portInfoList.value(portIndex - 1);
     routeName = info.name;
-    routeGone = false;
     takePorts(info);
     midiRouteOpen = remoteMemAPI->createMIDIComunicationRoute(activeSensePort, communicationInPort,
                                                               communicationOutPort);
@@ -59,7 +57,6 @@ void EditorMainWindow::setPortIndex(int index)
     if (index <= 0 && portIndex > 0) {
         portIndex = index;
         routeName.clear();
-        routeGone = false;
         remoteMemAPI->deleteMIDIComunicationRoute();
         remoteMemAPI->setONLINEstate(0);
     } else if (index > 0) {
@@ -88,11 +85,13 @@ void EditorMainWindow::activePort()
         // A sign that was on its way when the synchronisation ended.
         return;
     }
-    updatePortInfoList();
-    if (routeGone) {
-        // An instrument that returns shows one port after another, and gives the sign by the first.
-        // Its next sign finds them all.
-        return;
+    if (!isWindowLocked()) {
+        updatePortInfoList();
+        if (isRouteGone()) {
+            // An instrument that returns shows one port after another, and gives the sign by the
+            // first. Its next sign finds them all.
+            return;
+        }
     }
     remoteMemAPI->setWatchPortActivate(false);
     remoteMemAPI->setNeedToWaitAutoSyncDoneFlag(true);

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void anotherPortInThePlaceOfTheOneInUseIsAnother();
     void aPortThatIsGoneIsNotTheOneInItsPlace();
     void aSignOfAnInstrumentThatIsNotYetBackWaits();
+    void aSignOfLifeLeavesThePanelsListAlone();
     void withAPanelInTheWindowItDoesNotOpen();
 
     void leavingChangesNothing_data();
@@ -262,6 +263,24 @@ void TestSetup::aSignOfAnInstrumentThatIsNotYetBackWaits()
     QCOMPARE(m_device->instrument.counters().bulkRequests, 100);
     QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 0);
     QCOMPARE(m_otherDevice->instrument.counters().headers, 0);
+}
+
+// The panel's choice is a position in it.
+void TestSetup::aSignOfLifeLeavesThePanelsListAlone()
+{
+    QVERIFY(openWindow(OtherDeviceName));
+    QVERIFY(openPanel() != nullptr);
+    const QStringList listed = m_rig->window->getPortNameList();
+    m_device.reset();
+    m_rig->api->emitPortActivatedSignal();
+    QTest::qWait(100);
+    QVERIFY(panel() != nullptr);
+    QCOMPARE(m_rig->window->getPortNameList(), listed);
+    // The synchronisation that has waited lists the ports anew, and OK still means the same one.
+    m_rig->click(m_rig->inPanel("btnOK"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_rig->api->isONLINE(), WaitMs);
+    QCOMPARE(MainWindowRig::stored("PortName").toString(), OtherDeviceName);
+    QCOMPARE(m_otherDevice->instrument.counters().bulkRequests, 100);
 }
 
 void TestSetup::withAPanelInTheWindowItDoesNotOpen()
