@@ -12,7 +12,9 @@
 #include <QtCore/QSet>
 
 #include <jack/jack.h>
+#include <jack/midiport.h>
 #include <pthread.h>
+#include <semaphore.h>
 
 #include <algorithm>
 #include <array>
@@ -20,6 +22,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <ctime>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -32,8 +35,23 @@ namespace
 
 constexpr const char *ClientName = "TARN-TERN Remote Editor";
 constexpr std::size_t MaximumPorts = 64;
+// What the editor opens: active sensing, and messages in and out.
+constexpr int UsualInputs = 2;
+constexpr int UsualOutputs = 1;
+// How long the server may take until a connection that was made or cut has effect. It is a period,
+// and more under load.
+constexpr int GraphTimeoutMs = 1000;
 
 void saySomethingToNobody(const char *) {}
+
+// A port of ours in the server's graph. It stays registered for the client's whole life, in use or
+// not: the library goes through the client's ports on a thread of its own whenever the graph has
+// changed, and does not expect that one of them goes meanwhile.
+struct OwnPort
+{
+    jack_port_t *port = nullptr;
+    PortDirection direction = PortDirection::Input;
+};
 
 // What the server announces, in its order, for the worker.
 struct Announcement
@@ -80,6 +98,9 @@ class JackClient::Connection
 {
 public:
     Connection();
+    ~Connection();
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
 
     // Thread: users.
     bool call(std::function<void()> function);
@@ -87,6 +108,7 @@ public:
     void abandon();
     void endAbandonment();
     bool isAbandoned();
+    bool isStuck();
     void withdraw(const std::shared_ptr<JackPort> &port);
     std::atomic<bool> isAlive{false};
     bool hasCatalogue(PortDirection direction);
@@ -110,6 +132,12 @@ private:
     template <typename IsDone>
     bool waitForAnswer(std::unique_lock<Mutex> &lock, IsDone isDone);
     void takeAnnouncements(const std::vector<Announcement> &announcements);
+    bool registerOwnPort(std::size_t place, PortDirection direction);
+    std::optional<std::size_t> freePlace(PortDirection direction);
+    void cutConnections(jack_port_t *own);
+    bool takeOwnCut(const Announcement &announcement);
+    template <typename IsSo>
+    void awaitPeriods(IsSo isSo);
     bool registerPort(const std::shared_ptr<JackPort> &port);
     bool connectPort(JackPort &port, const QByteArray &fullName);
     void losePort(JackPort &port, const QSet<QByteArray> &registered);
@@ -133,12 +161,21 @@ private:
 
     CallbackGate m_processGate;
     CallbackGate m_eventGate;
+    // By place: who is served there. The same places hold the outputs among m_own, for the process
+    // thread, which keeps them empty while nobody uses them.
     std::array<std::atomic<JackPort *>, MaximumPorts> m_slots{};
+    std::array<std::atomic<jack_port_t *>, MaximumPorts> m_ownOutputs{};
     Mutex m_slotMutex;
     std::vector<JackPort *> m_withdrawn; // by m_slotMutex; withdrawn before their opening was over
 
+    std::atomic<bool> m_isPeriodAwaited{false};
+    sem_t m_periodDone; // posted at the end of each period while m_isPeriodAwaited
+
     // Worker only.
     jack_client_t *m_client = nullptr;
+    std::array<OwnPort, MaximumPorts> m_own{};
+    // Cuts of the client's own, which the server is yet to announce: they break nothing.
+    std::vector<std::pair<const jack_port_t *, const jack_port_t *>> m_ownCuts;
     std::vector<std::shared_ptr<JackPort>> m_ports;
     std::thread m_thread; // users: constructor and stop()
 
@@ -184,6 +221,11 @@ JackClient::~JackClient()
 bool JackClient::isRunning() const
 {
     return m_connection->isAlive;
+}
+
+bool JackClient::isUnanswered() const
+{
+    return m_connection->isStuck();
 }
 
 bool JackClient::connectToServer()
@@ -265,9 +307,16 @@ bool JackClient::send(JackPort &port, unsigned char status, const unsigned char 
 
 JackClient::Connection::Connection()
 {
-    for (std::atomic<JackPort *> &slot : m_slots) {
-        slot = nullptr;
+    for (std::size_t i = 0; i < MaximumPorts; ++i) {
+        m_slots[i] = nullptr;
+        m_ownOutputs[i] = nullptr;
     }
+    sem_init(&m_periodDone, 0, 0);
+}
+
+JackClient::Connection::~Connection()
+{
+    sem_destroy(&m_periodDone);
 }
 
 // Has the worker do something, and waits. False if it did not come to its end in time; it may then
@@ -325,6 +374,12 @@ void JackClient::Connection::endAbandonment()
     m_abandonedAt.reset();
 }
 
+bool JackClient::Connection::isStuck()
+{
+    const MutexLocker lock(m_mutex);
+    return m_isStuck;
+}
+
 bool JackClient::Connection::isAbandoned()
 {
     const MutexLocker lock(m_mutex);
@@ -367,10 +422,16 @@ int JackClient::Connection::onProcess(jack_nframes_t frames, void *self)
     auto *connection = static_cast<Connection *>(self);
     const CallbackGate::Passage passage(connection->m_processGate);
     if (passage) {
-        for (const std::atomic<JackPort *> &slot : connection->m_slots) {
-            if (JackPort *port = slot) {
+        for (std::size_t i = 0; i < MaximumPorts; ++i) {
+            if (JackPort *port = connection->m_slots[i]) {
                 port->process(frames);
+            } else if (jack_port_t *idle = connection->m_ownOutputs[i]) {
+                // Otherwise it would say again in each period what it said last.
+                jack_midi_clear_buffer(jack_port_get_buffer(idle, frames));
             }
+        }
+        if (connection->m_isPeriodAwaited) {
+            sem_post(&connection->m_periodDone);
         }
     }
     return 0;
@@ -476,6 +537,10 @@ bool JackClient::Connection::connect()
     jack_set_port_registration_callback(client, onPortRegistration, this);
     jack_set_port_connect_callback(client, onPortConnect, this);
     jack_on_info_shutdown(client, onShutdown, this);
+    for (int i = 0; i < UsualInputs + UsualOutputs; ++i) {
+        registerOwnPort(static_cast<std::size_t>(i),
+                        i < UsualInputs ? PortDirection::Input : PortDirection::Output);
+    }
     isAlive = true;
     m_processGate.open();
     m_eventGate.open();
@@ -504,6 +569,11 @@ void JackClient::Connection::disconnect()
             slot = nullptr;
         }
     }
+    for (std::atomic<jack_port_t *> &output : m_ownOutputs) {
+        output = nullptr;
+    }
+    m_own.fill({});
+    m_ownCuts.clear();
     for (const std::shared_ptr<JackPort> &port : m_ports) {
         port->setDisconnected();
         port->graph = {};
@@ -542,6 +612,8 @@ bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
     }
     m_ports.push_back(port);
     if (registerPort(port) && connectPort(*port, fullName)) {
+        // An answer must not be faster than the way for it.
+        awaitPeriods([&port] { return jack_port_connected(port->graph.port) != 0; });
         return true;
     }
     withdraw(port);
@@ -553,7 +625,7 @@ bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
 void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
 {
     if (m_client != nullptr && isAlive && port->graph.port != nullptr) {
-        jack_port_unregister(m_client, port->graph.port);
+        cutConnections(port->graph.port);
     }
     port->setDisconnected();
     port->graph = {};
@@ -562,27 +634,107 @@ void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
     std::erase(m_withdrawn, port.get());
 }
 
+// Returns when isSo says so, which is asked after each period, or after GraphTimeoutMs.
+template <typename IsSo>
+void JackClient::Connection::awaitPeriods(IsSo isSo)
+{
+    timespec deadline{};
+    clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += GraphTimeoutMs / 1000;
+    // What the waiting before this one has left.
+    while (sem_trywait(&m_periodDone) == 0) {
+    }
+    m_isPeriodAwaited = true;
+    for (bool isInTime = true; isInTime && isAlive && !isSo();) {
+        int result = 0;
+        do {
+            result = sem_clockwait(&m_periodDone, CLOCK_MONOTONIC, &deadline);
+        } while (result != 0 && errno == EINTR);
+        isInTime = result == 0;
+    }
+    m_isPeriodAwaited = false;
+}
+
+bool JackClient::Connection::registerOwnPort(std::size_t place, PortDirection direction)
+{
+    const bool isInput = direction == PortDirection::Input;
+    const auto number = 1 + std::count_if(m_own.cbegin(), m_own.cend(), [&](const OwnPort &own) {
+                            return own.port != nullptr && own.direction == direction;
+                        });
+    const QByteArray name = (isInput ? QByteArray("in ") : QByteArray("out ")) +
+                            QByteArray::number(static_cast<int>(number));
+    jack_port_t *port = jack_port_register(m_client, name.constData(), JACK_DEFAULT_MIDI_TYPE,
+                                           isInput ? JackPortIsInput : JackPortIsOutput, 0);
+    m_own[place] = {port, direction};
+    m_ownOutputs[place] = isInput ? nullptr : port;
+    return port != nullptr;
+}
+
+// Where a port of ours is not in use, or another one is registered. None if there are too many.
+std::optional<std::size_t> JackClient::Connection::freePlace(PortDirection direction)
+{
+    for (std::size_t i = 0; i < MaximumPorts; ++i) {
+        if (m_own[i].port != nullptr && m_own[i].direction == direction && m_slots[i] == nullptr) {
+            return i;
+        }
+    }
+    for (std::size_t i = 0; i < MaximumPorts; ++i) {
+        if (m_own[i].port == nullptr) {
+            return registerOwnPort(i, direction) ? std::optional(i) : std::nullopt;
+        }
+    }
+    return {};
+}
+
+// Returns when nothing passes over them any more.
+void JackClient::Connection::cutConnections(jack_port_t *own)
+{
+    const char **others = jack_port_get_all_connections(m_client, own);
+    if (others == nullptr) {
+        return;
+    }
+    const bool isInput = (jack_port_flags(own) & JackPortIsInput) != 0;
+    const char *ownName = jack_port_name(own);
+    for (const char **name = others; *name != nullptr; ++name) {
+        const jack_port_t *other = jack_port_by_name(m_client, *name);
+        if (jack_disconnect(m_client, isInput ? *name : ownName, isInput ? ownName : *name) == 0 &&
+            other != nullptr) {
+            m_ownCuts.emplace_back(own, other);
+        }
+    }
+    jack_free(others);
+    awaitPeriods([own] { return jack_port_connected(own) == 0; });
+}
+
+// True for an announcement of what cutConnections() has done.
+bool JackClient::Connection::takeOwnCut(const Announcement &announcement)
+{
+    const auto cut = std::find_if(m_ownCuts.cbegin(), m_ownCuts.cend(), [&](const auto &pair) {
+        return (pair.first == announcement.port && pair.second == announcement.other) ||
+               (pair.first == announcement.other && pair.second == announcement.port);
+    });
+    if (announcement.kind != Announcement::Kind::Disconnected || cut == m_ownCuts.cend()) {
+        return false;
+    }
+    m_ownCuts.erase(cut);
+    return true;
+}
+
 bool JackClient::Connection::registerPort(const std::shared_ptr<JackPort> &port)
 {
-    for (std::size_t i = 0; i < m_slots.size(); ++i) {
-        if (m_slots[i] != nullptr) {
-            continue;
-        }
-        const bool isInput = port->direction() == PortDirection::Input;
-        const QByteArray name =
-            (isInput ? QByteArray("in ") : QByteArray("out ")) + QByteArray::number(int(i) + 1);
-        port->graph.port = jack_port_register(m_client, name.constData(), JACK_DEFAULT_MIDI_TYPE,
-                                              isInput ? JackPortIsInput : JackPortIsOutput, 0);
-        if (port->graph.port == nullptr) {
-            return false;
-        }
-        const MutexLocker lock(m_slotMutex);
-        if (std::find(m_withdrawn.begin(), m_withdrawn.end(), port.get()) == m_withdrawn.end()) {
-            m_slots[i] = port.get();
-        }
-        return true;
+    const std::optional<std::size_t> place = freePlace(port->direction());
+    if (!place) {
+        return false;
     }
-    return false;
+    // Somebody may have connected it by hand while it was not in use.
+    cutConnections(m_own[*place].port);
+    const MutexLocker lock(m_slotMutex);
+    if (std::find(m_withdrawn.begin(), m_withdrawn.end(), port.get()) != m_withdrawn.end()) {
+        return false;
+    }
+    port->graph.port = m_own[*place].port;
+    m_slots[*place] = port.get();
+    return true;
 }
 
 bool JackClient::Connection::connectPort(JackPort &port, const QByteArray &fullName)
@@ -626,6 +778,9 @@ void JackClient::Connection::takeAnnouncements(const std::vector<Announcement> &
         }
     }
     for (const Announcement &announcement : announcements) {
+        if (takeOwnCut(announcement)) {
+            continue;
+        }
         for (const std::shared_ptr<JackPort> &port : m_ports) {
             const jack_port_t *own = port->graph.port;
             const jack_port_t *other = port->graph.other;

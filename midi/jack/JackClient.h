@@ -38,6 +38,9 @@ public:
     // False if no server runs.
     bool connectToServer();
 
+    // A server is there, or something is in its place, that does not answer what was asked of it.
+    bool isUnanswered() const;
+
     // The names of the others' MIDI ports, read anew, by the naming rule; empty without a server.
     // The list read last is the one that port numbers count in.
     QStringList ports(PortDirection direction);
