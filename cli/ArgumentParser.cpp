@@ -43,7 +43,8 @@ const QList<QCommandLineOption> &allOptions()
          QStringLiteral("N")},
         {EditBufferOnlyOption, QStringLiteral("Sends the edit buffer without the stored bank.")},
         {StoreOption, QStringLiteral("Has the instrument store its edit buffer at the end.")},
-        {BackupOption, QStringLiteral("Receives what is about to be overwritten, and saves it."),
+        {BackupOption,
+         QStringLiteral("Receives what is about to be overwritten, and saves it as a new file."),
          QStringLiteral("FILE")},
         {VerifyOption, QStringLiteral("Reads everything back and compares it.")},
     };

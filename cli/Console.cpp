@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Console.h"
 
+#include "cli/PlainText.h"
+
 #include <QtCore/QFileDevice>
 #include <QtCore/QIODevice>
 
@@ -19,10 +21,11 @@ bool writeNow(QIODevice *device, const QByteArray &bytes)
 
 } // namespace
 
-Console::Console(QIODevice *out, QIODevice *err, bool errIsTerminal)
+Console::Console(QIODevice *out, QIODevice *err, bool errIsTerminal, bool outIsTerminal)
     : m_out(out)
     , m_err(err)
     , m_errIsTerminal(errIsTerminal)
+    , m_outIsTerminal(outIsTerminal)
 {
 }
 
@@ -33,7 +36,9 @@ void Console::line(const QString &text)
 
 void Console::bytes(const QByteArray &text)
 {
-    m_hasLostOutput = !writeNow(m_out, text) || m_hasLostOutput;
+    const QByteArray written =
+        m_outIsTerminal ? PlainText::shown(QString::fromUtf8(text)).toUtf8() : text;
+    m_hasLostOutput = !writeNow(m_out, written) || m_hasLostOutput;
 }
 
 void Console::error(const QString &text)
@@ -44,7 +49,7 @@ void Console::error(const QString &text)
 void Console::note(const QString &text)
 {
     draw(QString());
-    writeNow(m_err, text.toUtf8() + '\n');
+    writeNow(m_err, (m_errIsTerminal ? PlainText::shown(text) : text).toUtf8() + '\n');
 }
 
 void Console::draw(const QString &text)

@@ -11,8 +11,9 @@ class QIODevice;
 class Console
 {
 public:
-    // errIsTerminal: a person is watching err, so that progress may be drawn on it.
-    Console(QIODevice *out, QIODevice *err, bool errIsTerminal);
+    // errIsTerminal: a person is watching err, so that progress may be drawn on it. What goes to a
+    // terminal is shown plainly (see PlainText); elsewhere it arrives as it is.
+    Console(QIODevice *out, QIODevice *err, bool errIsTerminal, bool outIsTerminal = false);
 
     void line(const QString &text);
     void bytes(const QByteArray &text);
@@ -32,6 +33,7 @@ private:
     QIODevice *m_out;
     QIODevice *m_err;
     bool m_errIsTerminal;
+    bool m_outIsTerminal;
     bool m_isDrawn = false;
     bool m_hasLostOutput = false;
 };

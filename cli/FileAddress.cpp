@@ -2,6 +2,7 @@
 #include "cli/FileAddress.h"
 
 #include "app/Constants.h"
+#include "cli/PlainText.h"
 #include "file/XmlDocument.h"
 #include "memory/BankData.h"
 #include "memory/ControllerData.h"
@@ -47,20 +48,18 @@ const FileField *find(const QList<FileField> &fields, const QString &name)
     return found == fields.cend() ? nullptr : &*found;
 }
 
-bool isPlainNumber(const QString &text, int minimum, int maximum, int *value)
+// Digits alone: the conversion would take blanks and a plus sign, too.
+bool isDigits(const QString &text)
 {
-    // Digits alone: the conversion would take blanks and a plus sign, too.
-    const bool isPlain =
-        std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-    bool isNumber = false;
-    *value = text.toInt(&isNumber);
-    return isPlain && isNumber && *value >= minimum && *value <= maximum;
+    return !text.isEmpty() &&
+           std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
-bool hasControlCharacter(const QString &text)
+bool isPlainNumber(const QString &text, int minimum, int maximum, int *value)
 {
-    return std::any_of(text.cbegin(), text.cend(),
-                       [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7F; });
+    bool isNumber = false;
+    *value = text.toInt(&isNumber);
+    return isDigits(text) && isNumber && *value >= minimum && *value <= maximum;
 }
 
 } // namespace
@@ -146,7 +145,13 @@ bool FileAddress::parse(const QString &text, FileAddress *address, QString *erro
         return true;
     }
     int number = 0;
-    if (words.size() < 2 || !isPlainNumber(words.at(1), 1, ParamAddress::TemplateCount, &number)) {
+    if (words.size() < 2 || !isDigits(words.at(1))) {
+        return fail(QStringLiteral("\"%1\" is followed by the number of a template%2.")
+                        .arg(words.first(),
+                             isEdit ? QStringLiteral(" or by \"%1\"").arg(CurrentTemplateWord)
+                                    : QString()));
+    }
+    if (!isPlainNumber(words.at(1), 1, ParamAddress::TemplateCount, &number)) {
         return fail(QStringLiteral("templates are numbered from 1 to %1.")
                         .arg(ParamAddress::TemplateCount));
     }
@@ -197,7 +202,8 @@ bool FileAddress::setValue(RemoteMemAPI *api, const QString &text, QString *erro
                             .arg(size)
                             .arg(m_field.limit));
         }
-        if (hasControlCharacter(text) || XmlDocument::writable(text) != text) {
+        if (std::any_of(text.cbegin(), text.cend(), PlainText::isObeyed) ||
+            XmlDocument::writable(text) != text) {
             return fail(QStringLiteral("it holds a character that can't be written."));
         }
         api->setParam(m_address, text);

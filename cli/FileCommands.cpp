@@ -4,6 +4,7 @@
 #include "cli/Document.h"
 #include "cli/FileAddress.h"
 #include "cli/FileTarget.h"
+#include "cli/Interruption.h"
 #include "cli/SysExFile.h"
 #include "cli/Workspace.h"
 
@@ -58,6 +59,7 @@ ExitCode runSet(const CommandContext &context)
         context.console.error(error);
         return ExitCode::Failed;
     }
+    context.interruption.listen();
     return FileTarget::save(&context.workspace, &context.console, operands.at(0));
 }
 
@@ -78,14 +80,16 @@ ExitCode runExport(const CommandContext &context)
 {
     const QStringList &operands = context.arguments.operands;
     const ExitCode result = FileTarget::load(&context.workspace, &context.console, operands.at(0));
-    if (result == ExitCode::Done && FileTarget::isSameFile(operands.at(0), operands.at(1))) {
+    if (result != ExitCode::Done) {
+        return result;
+    }
+    if (FileTarget::isSameFile(operands.at(0), operands.at(1))) {
         context.console.error(QStringLiteral("The export would overwrite what is exported."));
         return ExitCode::Usage;
     }
-    return result != ExitCode::Done
-               ? result
-               : FileTarget::write(&context.console, operands.at(1),
-                                   SysExFile::fullSend(context.workspace.api()));
+    context.interruption.listen();
+    return FileTarget::write(&context.console, operands.at(1),
+                             SysExFile::fullSend(context.workspace.api()));
 }
 
 ExitCode runImport(const CommandContext &context)
@@ -111,5 +115,6 @@ ExitCode runImport(const CommandContext &context)
         }
     }
     SysExFile::apply(import, context.workspace.api());
+    context.interruption.listen();
     return FileTarget::save(&context.workspace, &context.console, path);
 }

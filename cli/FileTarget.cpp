@@ -3,6 +3,7 @@
 
 #include "cli/Console.h"
 #include "cli/Workspace.h"
+#include "file/PlaceToWrite.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -45,13 +46,22 @@ bool FileTarget::isSameFile(const QString &a, const QString &b)
 
 ExitCode FileTarget::checkWritable(Console *console, const QString &path)
 {
-    const QFileInfo file(path);
-    // A file is replaced and not written over, so its folder, behind any links, must allow it too.
-    const QFileInfo folder(file.exists() ? QFileInfo(file.canonicalFilePath()).absolutePath()
-                                         : file.absolutePath());
-    const bool isPossible = folder.isDir() && folder.isWritable() &&
-                            (!file.exists() || (file.isFile() && file.isWritable()));
+    const QString place = placeToWrite(path);
+    const QFileInfo file(place);
+    // A file is replaced and not written over, so its folder must allow it too.
+    const QFileInfo folder(file.absolutePath());
+    const bool isPossible = !place.isEmpty() && folder.isDir() && folder.isWritable() &&
+                            (!file.exists() || file.isWritable());
     return isPossible ? ExitCode::Done : fail(console, path, NotWritten);
+}
+
+ExitCode FileTarget::checkNew(Console *console, const QString &path)
+{
+    if (QFileInfo::exists(path)) {
+        return fail(console, path,
+                    QStringLiteral("The file is there already, and a backup replaces none."));
+    }
+    return checkWritable(console, path);
 }
 
 ExitCode FileTarget::write(Console *console, const QString &path, const QByteArray &bytes)
@@ -61,7 +71,7 @@ ExitCode FileTarget::write(Console *console, const QString &path, const QByteArr
     if (result != ExitCode::Done) {
         return result;
     }
-    QSaveFile file(path);
+    QSaveFile file(placeToWrite(path));
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
         !file.commit()) {
         return fail(console, path, NotWritten);

@@ -23,6 +23,8 @@ ExitCode save(Workspace *workspace, Console *console, const QString &path);
 // Whether a file of that name could be written, told before an instrument is bothered for it.
 // What only the writing itself shows is left to the writing.
 ExitCode checkWritable(Console *console, const QString &path);
+// The same, for a file that must not be there yet.
+ExitCode checkNew(Console *console, const QString &path);
 // Replaces the file in one step; refuses what is there and no plain file.
 ExitCode write(Console *console, const QString &path, const QByteArray &bytes);
 // Refuses what is no plain file, and one of more than limit bytes.

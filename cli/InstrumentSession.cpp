@@ -85,11 +85,13 @@ bool InstrumentSession::wasRefused() const
 
 ExitCode InstrumentSession::open(const QString &portName)
 {
+    m_interruption->listen();
     PortInfo instrument;
     QString error;
-    if (!PortSelection(m_api).select(portName, &instrument, &error)) {
+    const ExitCode selected = PortSelection(m_api).select(portName, &instrument, &error);
+    if (selected != ExitCode::Done) {
         m_console->error(error);
-        return ExitCode::NoInstrument;
+        return selected;
     }
     m_name = instrument.name;
     m_failuresBefore = TMIDITransport::outputFailureCount();

@@ -96,11 +96,14 @@ ExitCode runMonitor(const CommandContext &context)
 {
     RemoteMemAPI *api = context.workspace.api();
     Console &console = context.console;
+    context.interruption.listen();
     PortInfo instrument;
     QString error;
-    if (!PortSelection(api).select(context.arguments.port, &instrument, &error)) {
+    const ExitCode selected =
+        PortSelection(api).select(context.arguments.port, &instrument, &error);
+    if (selected != ExitCode::Done) {
         console.error(error);
-        return ExitCode::NoInstrument;
+        return selected;
     }
     QEventLoop loop;
     SensingLog sensing(&console);

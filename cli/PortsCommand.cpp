@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/Interruption.h"
 #include "cli/PortSelection.h"
 #include "cli/Workspace.h"
 
@@ -8,11 +9,20 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
-// Lists the recognised instruments. An empty list is an answer, too.
+// Lists the recognised instruments. An empty list is an answer, too, but not of a MIDI service that
+// gives none.
 
 ExitCode runPorts(const CommandContext &context)
 {
+    context.interruption.listen();
     const PortSelection selection(context.workspace.api());
+    if (selection.isServiceSilent()) {
+        context.console.error(selection.whyNone());
+        return ExitCode::BrokenOff;
+    }
+    if (!selection.whatIsJoined().isEmpty()) {
+        context.console.error(selection.whatIsJoined());
+    }
     if (context.arguments.json) {
         QJsonArray instruments;
         for (const PortInfo &instrument : selection.instruments()) {

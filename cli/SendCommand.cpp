@@ -9,6 +9,10 @@
 
 // Opens the file as the document and sends it. In order: the backup, the send, the store, the
 // comparison with what the instrument then holds.
+//
+// A backup is made in a new file only. A send that broke off is sent again, by the same words and
+// from an instrument that is half of one and half of the other: its backup would replace the good
+// one.
 
 namespace
 {
@@ -28,6 +32,17 @@ ExitCode backUp(const CommandContext &context, InstrumentSession *session)
     api->restoreSpecificBankAndEditBuff(Bank::Stored);
     api->allowToRaiseFileEditFlag();
     return result;
+}
+
+// What a send that ended before its time leaves behind.
+void tellMixture(const CommandContext &context)
+{
+    const QString mixture = QStringLiteral(
+        "The instrument may now hold part of what was sent and part of what it held before");
+    const QString &backup = context.arguments.backup;
+    context.console.error(
+        backup.isEmpty() ? mixture + QLatin1Char('.')
+                         : QStringLiteral("%1, all of which is in \"%2\".").arg(mixture, backup));
 }
 
 // Reads back and compares. What was not sent, and not stored from what was, is not compared.
@@ -61,7 +76,7 @@ ExitCode runSend(const CommandContext &context)
             context.console.error(QStringLiteral("The backup would overwrite what is to be sent."));
             return ExitCode::Usage;
         }
-        result = FileTarget::checkWritable(&context.console, arguments.backup);
+        result = FileTarget::checkNew(&context.console, arguments.backup);
         if (result != ExitCode::Done) {
             return result;
         }
@@ -73,6 +88,9 @@ ExitCode runSend(const CommandContext &context)
     }
     if (result == ExitCode::Done) {
         result = session.send(arguments.editBufferOnly, arguments.timeoutMs);
+        if (result != ExitCode::Done) {
+            tellMixture(context);
+        }
     }
     if (result == ExitCode::Done && arguments.store) {
         result = session.store();

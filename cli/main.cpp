@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Constants.h"
+#include "app/TerminalProgram.h"
 #include "cli/Console.h"
+#include "cli/ExitCode.h"
 #include "cli/Interruption.h"
 #include "cli/TrnRemote.h"
 #include "midi/linux/MIDIServiceChoice.h"
@@ -28,23 +30,18 @@ void onSignal(int)
     [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
 }
 
-bool takeSignals()
+void takeSignals()
 {
-    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0) {
-        return false;
-    }
     struct sigaction action = {};
     action.sa_handler = onSignal;
     // The second Ctrl-C ends the program whatever it is doing.
     action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-    // A service that died must not end the program with the next byte written to its socket.
-    std::signal(SIGPIPE, SIG_IGN);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
     // The end of the terminal, unless somebody wants the program to outlive it.
-    struct sigaction hangUp = {};
-    sigaction(SIGHUP, nullptr, &hangUp);
-    const bool outlives = hangUp.sa_handler == SIG_IGN;
-    return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0 &&
-           (outlives || sigaction(SIGHUP, &action, nullptr) == 0);
+    if (!TerminalProgram::outlivesTerminal()) {
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 // The program's own messages go through the console; the library's stay away from the terminal.
@@ -55,6 +52,8 @@ void doNotOutputMessage(QtMsgType, const QMessageLogContext &, const QString &) 
 int main(int argc, char **argv)
 {
     qInstallMessageHandler(doNotOutputMessage);
+    // A service that died must not end the program with the next byte written to its socket.
+    std::signal(SIGPIPE, SIG_IGN);
     const QCoreApplication application(argc, argv);
     QCoreApplication::setOrganizationName(CorporationName);
     QCoreApplication::setApplicationName(SettingName);
@@ -62,12 +61,17 @@ int main(int argc, char **argv)
 
     QFile out;
     QFile err;
-    if (!takeSignals() || !out.open(stdout, QIODevice::WriteOnly) ||
+    if (pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0 || !out.open(stdout, QIODevice::WriteOnly) ||
         !err.open(stderr, QIODevice::WriteOnly)) {
         return 1;
     }
-    Console console(&out, &err, isatty(STDERR_FILENO) == 1);
-    Interruption interruption;
+    Console console(&out, &err, isatty(STDERR_FILENO) == 1, isatty(STDOUT_FILENO) == 1);
+    if (const auto argument = TerminalProgram::undecodableArgument(argc, argv)) {
+        console.error(
+            QStringLiteral("The argument \"%1\" holds bytes that are no text.").arg(*argument));
+        return static_cast<int>(ExitCode::Usage);
+    }
+    Interruption interruption(takeSignals);
     QSocketNotifier notifier(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &interruption, [&] {
         notifier.setEnabled(false);

@@ -2,6 +2,7 @@
 #include "file/EditorFile.h"
 
 #include "file/EditorData.h"
+#include "file/PlaceToWrite.h"
 #include "file/XmlDocument.h"
 #include "memory/RemoteMemAPI.h"
 
@@ -18,8 +19,6 @@ namespace
 {
 
 constexpr int Indent = 4;
-// As far as the system itself follows them.
-constexpr int MaximumLinks = 40;
 
 const QString ErrorNotFound = QStringLiteral("File was not found.");
 const QString ErrorNotOpened = QStringLiteral("File could not be opened.");
@@ -65,20 +64,6 @@ QString refusal(const QByteArray &content, QDomDocument *document)
         return ErrorVersion;
     }
     return QString();
-}
-
-// The file that the name leads to through links, which stay; empty if the links lead in a ring, or
-// to something that is no file: replacing would remove the ring, the pipe or the device.
-QString placeToWrite(const QString &name)
-{
-    QFileInfo place(name);
-    for (int links = 0; place.isSymLink(); ++links) {
-        if (links == MaximumLinks) {
-            return QString();
-        }
-        place.setFile(place.symLinkTarget());
-    }
-    return !place.exists() || place.isFile() ? place.filePath() : QString();
 }
 
 bool readFullDocument(RemoteMemAPI *api, const QDomElement &root)

@@ -23,6 +23,9 @@ inline constexpr int MaximumElements = 500000;
 // The parser's time grows with the square of an element's attributes. A bank has one.
 inline constexpr int MaximumAttributes = 1000;
 
+// An attribute costs the tree some 550 bytes. An editor file has two.
+inline constexpr int MaximumAttributesInAll = 200000;
+
 // What a document may have. The defaults are an editor file's; documents of another make bring
 // their own.
 struct Limits
@@ -30,7 +33,7 @@ struct Limits
     int depth = MaximumDepth;
     qint64 bytes = MaximumBytes;
     int elements = MaximumElements;
-    qint64 attributes = MaximumBytes; // of all elements together; an editor file's size says enough
+    qint64 attributes = MaximumAttributesInAll; // of all elements together
 };
 
 // The bytes of a regular file, which is opened and closed: one more than the limit at most, so that

@@ -347,7 +347,8 @@ bool InstrumentFile::load(const QString &path, InstrumentMemory *memory, QString
         *error = QStringLiteral("File was not found.");
         return false;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    // Opening a pipe or a device could wait for ever.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
         *error = QStringLiteral("File could not be opened.");
         return false;
     }

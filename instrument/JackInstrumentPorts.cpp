@@ -74,11 +74,10 @@ bool JackInstrumentPorts::open(const QString &deviceName, Callbacks callbacks, Q
     jack_on_info_shutdown(m_client, shutdownCallback, this);
     for (std::size_t i = 0; i < Ports; ++i) {
         const auto name = [&](const char *direction) {
+            // In one step: the device's name may hold what looks like a place.
             return QStringLiteral("%1 [%2] (%3): Port%4")
-                .arg(deviceName)
-                .arg(DeviceNumber)
-                .arg(QLatin1String(direction))
-                .arg(i + 1)
+                .arg(deviceName, QString::number(DeviceNumber), QLatin1String(direction),
+                     QString::number(i + 1))
                 .toUtf8();
         };
         constexpr unsigned long hardware = JackPortIsPhysical | JackPortIsTerminal;

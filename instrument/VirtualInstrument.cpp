@@ -482,8 +482,7 @@ void VirtualInstrument::takeIn(int port, const QByteArray &wire)
         ++m_counters.ignoredMessages;
         return;
     }
-    const FaultVerdict verdict =
-        m_plan.judge(MessageDirection::Received, tagOf(InstrumentProtocol::decode(wire)));
+    const FaultVerdict verdict = m_plan.judge(MessageDirection::Received, receivedTag(wire));
     if (verdict.silence) {
         silence(m_plan.comebackMs());
         return;
@@ -508,6 +507,27 @@ void VirtualInstrument::takeIn(int port, const QByteArray &wire)
             handle(bytes);
         }
     }
+}
+
+// A block names neither its template nor the kind of its dump; the header before it did.
+MessageTag VirtualInstrument::receivedTag(const QByteArray &wire)
+{
+    MessageTag tag = tagOf(InstrumentProtocol::decode(wire));
+    switch (tag.messageClass) {
+    case MessageClass::Header:
+        m_headerSeen = tag;
+        break;
+    case MessageClass::Block:
+        tag.type = m_headerSeen.type;
+        tag.templateNumber = m_headerSeen.templateNumber;
+        break;
+    case MessageClass::Footer:
+        m_headerSeen = {};
+        break;
+    default:
+        break;
+    }
+    return tag;
 }
 
 void VirtualInstrument::handle(const QByteArray &wire)

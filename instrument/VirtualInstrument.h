@@ -168,6 +168,7 @@ private:
 
     // All of these are called with m_mutex held.
     void takeIn(int port, const QByteArray &wire);
+    MessageTag receivedTag(const QByteArray &wire);
     void handle(const QByteArray &wire);
     void handle(const InstrumentMessage &message);
     void takeBlock(const InstrumentMessage &message);
@@ -205,6 +206,7 @@ private:
     InstrumentMemory m_memory;
     Counters m_counters;
     Dump m_dump;
+    MessageTag m_headerSeen; // of the dump on the wire, whatever a fault makes of its messages
     std::array<SysExAssembler, PortCount> m_assemblers;
     std::array<int, PortCount> m_brokenSeen{};
     FaultPlan m_plan;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/TerminalProgram.h"
 #include "instrument/AlsaInstrumentPorts.h"
 #include "instrument/InstrumentFile.h"
 #include "instrument/JackInstrumentPorts.h"
@@ -42,9 +43,7 @@ int takeSignals()
     sigaddset(&set, SIGTERM);
     sigaddset(&set, SIGINT);
     // The end of the terminal, unless somebody wants the program to outlive it.
-    struct sigaction hangUp = {};
-    sigaction(SIGHUP, nullptr, &hangUp);
-    if (hangUp.sa_handler != SIG_IGN) {
+    if (!TerminalProgram::outlivesTerminal()) {
         sigaddset(&set, SIGHUP);
     }
     sigaddset(&set, SIGUSR1);
@@ -103,6 +102,11 @@ int main(int argc, char **argv)
     const QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("virtual-instrument"));
 
+    if (const auto argument = TerminalProgram::undecodableArgument(argc, argv)) {
+        complain(
+            QStringLiteral("The argument \"%1\" holds bytes that are no text.").arg(*argument));
+        return Usage;
+    }
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "A model of the instrument on a MIDI service, until SIGTERM or Ctrl-C. Prints \"ready\" "
@@ -193,6 +197,8 @@ int main(int argc, char **argv)
         while (read(signalFd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
             if (info.ssi_signo != SIGUSR1) {
                 QCoreApplication::exit(Done);
+            } else if (!parser.isSet(dumpFile)) {
+                complain(QStringLiteral("There is nowhere to dump to without --dump."));
             } else if (dump(parser.value(dumpFile), instrument)) {
                 say("dumped");
             }

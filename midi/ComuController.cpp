@@ -200,6 +200,11 @@ QStringList ComuController::getOutputPortList()
     return portAccessor()->getOutputPortList();
 }
 
+bool ComuController::isServiceSilent() const
+{
+    return m_portAccessor != nullptr && m_portAccessor->isServiceSilent();
+}
+
 TMIDITransport::Link ComuController::portLink()
 {
     TMIDITransport::Link worst = TMIDITransport::Link::Connected;

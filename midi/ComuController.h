@@ -67,6 +67,8 @@ public Q_SLOTS:
     // Encoded names of the platform's ports, read anew.
     QStringList getInputPortList();
     QStringList getOutputPortList();
+    // Whether the lists read last are empty because the platform's service doesn't answer.
+    bool isServiceSilent() const;
     void CloseAllOpendPortAndDeleteAllTransporters(); // historical spelling
     // The worst of all open ports.
     TMIDITransport::Link portLink();

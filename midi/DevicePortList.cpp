@@ -4,8 +4,10 @@
 #include "app/Constants.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QSet>
 
 #include <algorithm>
+#include <optional>
 
 namespace
 {
@@ -17,28 +19,43 @@ using FamilyMembers = QHash<int, int>;
 // By direction: false is input, true output.
 using Family = QHash<bool, FamilyMembers>;
 
-void addPort(QHash<QString, Family> &families, bool isOutput, const QString &encodedName)
+struct Member
+{
+    QString family;
+    int number;
+    int port;
+};
+
+// None for a name that is no family member's.
+std::optional<Member> familyMember(const QString &encodedName)
 {
     const qsizetype delimiter = encodedName.indexOf(PortIDNameAndNumberDelimiter);
     if (delimiter < 1) {
-        return;
+        return {};
     }
     bool ok = false;
     const int portNumber = encodedName.left(delimiter).toInt(&ok);
     QString name = encodedName.mid(delimiter + PortIDNameAndNumberDelimiter.size());
     if (!ok || name.isEmpty() || !name.contains(PortNameNumberReplace)) {
-        return;
+        return {};
     }
     name.replace(PortNameNumberReplace, PortNameNumberDelimiter + QStringLiteral("\\1"));
     const qsizetype separator = name.lastIndexOf(PortNameNumberDelimiter);
     if (separator < 1) {
-        return;
+        return {};
     }
     const int familyNumber = name.mid(separator + PortNameNumberDelimiter.size()).toInt(&ok);
     if (!ok) {
-        return;
+        return {};
     }
-    families[name.left(separator)][isOutput][familyNumber] = portNumber;
+    return Member{name.left(separator), familyNumber, portNumber};
+}
+
+void addPort(QHash<QString, Family> &families, bool isOutput, const QString &encodedName)
+{
+    if (const std::optional<Member> member = familyMember(encodedName)) {
+        families[member->family][isOutput][member->number] = member->port;
+    }
 }
 
 bool isWhole(const FamilyMembers &members)
@@ -81,4 +98,25 @@ QList<PortInfo> recognizeDevicePorts(const QStringList &inputPorts, const QStrin
                    : a.name < b.name;
     });
     return devices;
+}
+
+QStringList joinedDeviceNames(const QStringList &inputPorts, const QStringList &outputPorts)
+{
+    QStringList names;
+    for (const QStringList &ports : {inputPorts, outputPorts}) {
+        QHash<QString, QSet<int>> families;
+        for (const QString &port : ports) {
+            const std::optional<Member> member = familyMember(port);
+            if (!member || !member->family.contains(PortNameFilter)) {
+                continue;
+            }
+            QSet<int> &numbers = families[member->family];
+            if (numbers.contains(member->number) && !names.contains(member->family)) {
+                names.append(member->family);
+            }
+            numbers.insert(member->number);
+        }
+    }
+    names.sort();
+    return names;
 }

@@ -21,3 +21,7 @@ struct PortInfo
 // exactly the members 1 to 5 on each side. In the order of the communication input number, so that
 // the first is the same at every start.
 QList<PortInfo> recognizeDevicePorts(const QStringList &inputPorts, const QStringList &outputPorts);
+
+// The names that several instruments bear, sorted. Above, such instruments join in one, whose ports
+// are now the one's and now the other's: who sends there can't know to whom.
+QStringList joinedDeviceNames(const QStringList &inputPorts, const QStringList &outputPorts);

@@ -19,6 +19,8 @@ public:
     QString friendlyName(const QUuid &id) const override;
     int portID(const QUuid &id) const override;
 
+    // The lists are empty because the platform's service doesn't answer, and not for want of one.
+    virtual bool isServiceSilent() const { return false; }
     // Reads the platform's ports anew and writes what is new of them to the settings.
     void updatePortInfo();
 

@@ -21,3 +21,8 @@ QString JackMIDIPortAccessor::identifierForIndex(int direction, int index)
 {
     return (direction == Input ? m_inputNames : m_outputNames).value(index);
 }
+
+bool JackMIDIPortAccessor::isServiceSilent() const
+{
+    return m_client->isUnanswered();
+}

@@ -17,6 +17,7 @@ public:
     // Reads the server's list, which identifierForIndex() then goes by.
     int getNumPorts(int direction) override;
     QString identifierForIndex(int direction, int index) override;
+    bool isServiceSilent() const override;
 
 private:
     const std::shared_ptr<JackClient> m_client;

@@ -62,6 +62,8 @@ public:
         }
         return QString();
     }
+    // The other service answers or isn't there; it has no server that could hang.
+    bool isServiceSilent() const override { return m_jack.isServiceSilent(); }
 
 private:
     TUniMIDIPortAccessor *accessorOf(MIDIService service)

@@ -51,7 +51,7 @@ public:
         QBuffer errDevice(&err);
         outDevice.open(QIODevice::WriteOnly | QIODevice::Truncate);
         errDevice.open(QIODevice::WriteOnly | QIODevice::Truncate);
-        Console console(&outDevice, &errDevice, isWatched);
+        Console console(&outDevice, &errDevice, isWatched, isWatched);
         Interruption none;
         return trnRemote(QStringList{QStringLiteral("trn-remote")} + words, &console,
                          interruption == nullptr ? &none : interruption,

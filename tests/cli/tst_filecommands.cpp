@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
 #include <memory>
 
 // The commands on files: show, get, set, check, diff, and bad input to all that read one.
@@ -37,6 +38,9 @@ private Q_SLOTS:
     void aFullDiskLeavesTheOldFile();
     void exportOntoItsOwnSourceIsRefused();
     void exportOntoWhatIsNoPlainFileIsRefused();
+    void exportGoesThroughALinkAndNotIntoARing();
+    void aTerminalIsShownTextAndNothingToObey();
+    void theProgramEndsAtOnceUnlessItWouldLeaveDisorder();
     void checkTellsEachFile();
     void diffOfEqualFilesIsSilent();
     void diffNamesEachParameter();
@@ -200,6 +204,8 @@ void TestFileCommands::refusedValuesNameTheLimit_data()
     row("remote number too long", "edit/1/knobA1/remoteNumber", "0123456789", "9 is the most");
     row("a control character", "edit/1/templateName", "a\x01", "can't be written");
     row("a line end", "edit/1/templateName", "a\nb", "can't be written");
+    row("a control character beyond ASCII", "edit/1/templateName", "a\xC2\x9B", "can't be written");
+    row("a turn of direction", "edit/1/templateName", "a\xE2\x80\xAE", "can't be written");
 }
 
 void TestFileCommands::refusedValuesNameTheLimit()
@@ -236,6 +242,8 @@ void TestFileCommands::refusedAddresses_data()
                                 "edit/ 1/templateName",
                                 "edit/+1/templateName",
                                 "edit/1/bankAvailableFlag",
+                                "edit/bankEditFlag",
+                                "stored",
                                 "isOnline"}) {
         QTest::addRow("'%s'", address) << QString::fromLatin1(address);
     }
@@ -316,6 +324,73 @@ void TestFileCommands::exportOntoWhatIsNoPlainFileIsRefused()
     struct stat status = {};
     QCOMPARE(stat(QFile::encodeName(pipe).constData(), &status), 0);
     QVERIFY(S_ISFIFO(status.st_mode));
+}
+
+void TestFileCommands::exportGoesThroughALinkAndNotIntoARing()
+{
+    const QString ring = m_cli->path("ring"_q);
+    QVERIFY(QFile::link(m_cli->path("other ring"_q), ring));
+    QVERIFY(QFile::link(ring, m_cli->path("other ring"_q)));
+    QCOMPARE(m_cli->run({"export", file(), ring}), 1);
+    QVERIFY2(m_cli->err.contains("Failed in the file writing."), m_cli->err.constData());
+    QCOMPARE(QFile::symLinkTarget(ring), m_cli->path("other ring"_q));
+    const QString link = m_cli->path("link"_q);
+    QVERIFY(QFile::link(m_cli->path("far.syx"_q), link));
+    for (int round = 0; round < 2; ++round) {
+        QCOMPARE(m_cli->run({"export", file(), link}), 0);
+        QCOMPARE(QFile::symLinkTarget(link), m_cli->path("far.syx"_q));
+        QVERIFY(m_cli->read("far.syx"_q).startsWith('\xF0'));
+    }
+}
+
+void TestFileCommands::aTerminalIsShownTextAndNothingToObey()
+{
+    QByteArray xml = m_cli->read("a.Q7V"_q);
+    const auto name = xml.indexOf("<name>");
+    QVERIFY(name > 0);
+    xml.insert(name + qsizetype(std::strlen("<name>")), "\xC2\x9B"
+                                                        "31m\xE2\x80\xAEz");
+    QVERIFY(m_cli->write("\x1B[2J.Q7V"_q, xml));
+    for (const bool isTerminal : {true, false}) {
+        m_cli->isWatched = isTerminal;
+        QByteArray all;
+        for (const char *command : {"show", "check"}) {
+            QCOMPARE(m_cli->run({command, m_cli->path("\x1B[2J.Q7V"_q)}), 0);
+            all += m_cli->out;
+        }
+        QCOMPARE(m_cli->run({"diff", file(), m_cli->path("\x1B[2J.Q7V"_q)}), 1);
+        all += m_cli->out;
+        QCOMPARE(m_cli->run({"check", m_cli->path("\x1B[2J"_q)}), 1);
+        all += m_cli->err;
+        for (const char *obeyed : {"\x1B", "\xC2\x9B", "\xE2\x80\xAE"}) {
+            QCOMPARE(all.contains(obeyed), !isTerminal);
+        }
+        QVERIFY(all.contains("31m"));
+        QVERIFY(all.count('\n') > 100);
+    }
+}
+
+void TestFileCommands::theProgramEndsAtOnceUnlessItWouldLeaveDisorder()
+{
+    const auto listens = [this](const QStringList &words) {
+        bool isListening = false;
+        Interruption interruption([&isListening] { isListening = true; });
+        m_cli->runWords(words, &interruption);
+        return isListening;
+    };
+    const QString number = "edit/1/knobA1/ccNumber"_q;
+    QVERIFY(!listens({"check"_q, file()}));
+    QVERIFY(!listens({"show"_q, file()}));
+    QVERIFY(!listens({"get"_q, file(), number}));
+    QVERIFY(!listens({"diff"_q, file(), file()}));
+    QVERIFY(!listens({"set"_q, file(), number, "128"_q}));
+    QVERIFY(listens({"set"_q, file(), number, "12"_q}));
+    QVERIFY(listens({"export"_q, file(), m_cli->path("a.syx"_q)}));
+    QVERIFY(listens({"import"_q, m_cli->path("a.syx"_q), other()}));
+    QVERIFY(listens({"ports"_q}));
+    QVERIFY(listens({"monitor"_q}));
+    QVERIFY(listens({"receive"_q, other()}));
+    QVERIFY(listens({"send"_q, file()}));
 }
 
 void TestFileCommands::checkTellsEachFile()

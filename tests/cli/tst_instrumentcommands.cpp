@@ -34,6 +34,8 @@ private Q_SLOTS:
     void sendOfTheEditBufferAloneLeavesTheStoredBank();
     void storeCopiesTheEditBufferToTheStoredBank();
     void backupKeepsWhatWasOverwritten();
+    void aBackupOutlivesTheSendThatIsRepeated();
+    void instrumentsOfOneNameAreRefused();
     void aBackupOntoTheSentFileIsRefused();
     void aFailedBackupSendsNothing();
     void verifyNamesWhatDiffers();
@@ -216,6 +218,53 @@ void TestInstrumentCommands::backupKeepsWhatWasOverwritten()
     QCOMPARE(m_cli->run({"send", file(), "--backup", backup, "--verify"}), 0);
     QVERIFY(held() == unstored(randomMemory(4)));
     QVERIFY(fileContents(QStringLiteral("b.Q7V")) == m_memory);
+}
+
+void TestInstrumentCommands::aBackupOutlivesTheSendThatIsRepeated()
+{
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 4));
+    const QString backup = m_cli->path(QStringLiteral("b.Q7V"));
+    QVERIFY(m_loopback->setFault(QStringLiteral("drop:ack:#20")));
+    QCOMPARE(m_cli->run({"send", file(), "--backup", backup, "--timeout", "1"}), 4);
+    QVERIFY2(m_cli->err.contains("may now hold part of what was sent and part of what it held "
+                                 "before, all of which is in \"" +
+                                 backup.toUtf8() + "\"."),
+             m_cli->err.constData());
+    QVERIFY(held() != m_memory);
+    QVERIFY(m_loopback->setFault(QString()));
+    // The same again, as one does.
+    QCOMPARE(m_cli->run({"send", file(), "--backup", backup}), 1);
+    QVERIFY2(m_cli->err.contains("The file is there already, and a backup replaces none."),
+             m_cli->err.constData());
+    QVERIFY(fileContents(QStringLiteral("b.Q7V")) == m_memory);
+    QCOMPARE(m_cli->run({"send", backup, "--verify"}), 0);
+    QVERIFY(held() == unstored(m_memory));
+    // Without a backup it is told, too, and after a receive there is nothing to tell.
+    m_loopback->instrument.fallSilent();
+    QCOMPARE(m_cli->run({"send", file(), "--timeout", "1"}), 4);
+    QVERIFY2(m_cli->err.contains("part of what it held before.\n"), m_cli->err.constData());
+    QCOMPARE(m_cli->run({"verify", file(), "--timeout", "1"}), 4);
+    QVERIFY2(!m_cli->err.contains("may now hold"), m_cli->err.constData());
+}
+
+void TestInstrumentCommands::instrumentsOfOneNameAreRefused()
+{
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 4));
+    const LoopbackInstrument twin(m_memory);
+    for (const char *command : {"receive", "send", "verify", "monitor"}) {
+        const int code = QByteArray(command) == "monitor" ? m_cli->run({command})
+                                                          : m_cli->run({command, file()});
+        QCOMPARE(code, 3);
+        QVERIFY2(m_cli->err.contains("More than one instrument is named \"Corvan TARN/TERN\""),
+                 m_cli->err.constData());
+    }
+    QVERIFY(held() == m_memory);
+    QCOMPARE(m_cli->run({"ports", "--json"}), 0);
+    QVERIFY(m_cli->err.contains("More than one instrument"));
+    QCOMPARE(m_cli->json().keys(), QStringList{QStringLiteral("instruments")});
+    // One of another name can be meant.
+    const LoopbackInstrument other(m_memory, QStringLiteral("Corvan TARN/TERN 2"));
+    QCOMPARE(m_cli->run({"verify", file(), "--port", "Corvan TARN/TERN 2"}), 1);
 }
 
 void TestInstrumentCommands::aBackupOntoTheSentFileIsRefused()

@@ -3,6 +3,7 @@
 #include "instrument/InstrumentTestTools.h"
 #include "tools/JackServer.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
@@ -38,6 +39,9 @@ private Q_SLOTS:
     void cleanup();
     void withoutAServerThereIsNoInstrument();
     void withoutAnInstrumentThePortsAreEmpty();
+    void aServerThatDoesNotAnswerIsToldFromNone();
+    void argumentsThatAreNoTextAreRefused();
+    void aLongCheckEndsWithTheFirstSignal();
     void theWholeJob();
     void faults_data();
     void faults();
@@ -168,6 +172,64 @@ void TestTrnRemoteJack::withoutAnInstrumentThePortsAreEmpty()
 {
     QVERIFY(m_server.start(JackServer::ShortPeriod));
     QCOMPARE(run(QStringLiteral("send other.Q7V")).code, 3);
+}
+
+void TestTrnRemoteJack::aServerThatDoesNotAnswerIsToldFromNone()
+{
+    QVERIFY(m_server.start(JackServer::ShortPeriod));
+    m_server.freeze();
+    const Ended ports = run(QStringLiteral("ports"));
+    const Ended receive = run(QStringLiteral("receive a.Q7V"));
+    m_server.thaw();
+    for (const Ended &ended : {ports, receive}) {
+        QCOMPARE(ended.code, 4);
+        QVERIFY(ended.out.isEmpty());
+        QCOMPARE(ended.err, QByteArray("trn-remote: No instrument was found: the MIDI service does "
+                                       "not answer.\n"));
+    }
+}
+
+void TestTrnRemoteJack::argumentsThatAreNoTextAreRefused()
+{
+    // The framework's own way of starting programs has no such arguments.
+    const auto runShell = [this](const QByteArray &command) {
+        QProcess shell;
+        shell.setWorkingDirectory(m_folder->path());
+        shell.start(QStringLiteral("/bin/sh"),
+                    {QStringLiteral("-c"), QString::fromLatin1(command)});
+        shell.waitForFinished(LimitMs);
+        return Ended{shell.exitCode(), shell.readAllStandardOutput(), shell.readAllStandardError()};
+    };
+    const QByteArray remote = '"' + QFile::encodeName(program("trn-remote")) + '"';
+    const QByteArray instrument = '"' + QFile::encodeName(program("virtual-instrument")) + '"';
+    for (const QByteArray &command :
+         {remote + " export other.Q7V \"$(printf 'a\\377.syx')\"",
+          remote + " check \"$(printf 'a\\377.Q7V')\"",
+          remote + " set other.Q7V edit/1/templateName \"$(printf 'a\\377')\"",
+          instrument + " --dump \"$(printf 'a\\377.Q7V')\""}) {
+        const Ended ended = runShell(command);
+        QVERIFY2(ended.code == 2, command.constData());
+        QVERIFY2(ended.err.contains("holds bytes that are no text."), ended.err.constData());
+    }
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files),
+             QStringList({QStringLiteral("other.Q7V"), QStringLiteral("state.Q7V")}));
+}
+
+void TestTrnRemoteJack::aLongCheckEndsWithTheFirstSignal()
+{
+    QProcess process;
+    process.setWorkingDirectory(m_folder->path());
+    QStringList words{QStringLiteral("check")};
+    // Longer than a person would wait, shorter than a command line may be.
+    for (int i = 0; i < 20000; ++i) {
+        words.append(QStringLiteral("other.Q7V"));
+    }
+    process.start(program("trn-remote"), words);
+    QVERIFY(process.waitForReadyRead(LimitMs));
+    QCOMPARE(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(LimitMs));
+    QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+    QVERIFY(process.readAllStandardOutput().count('\n') < 20000);
 }
 
 void TestTrnRemoteJack::theWholeJob()

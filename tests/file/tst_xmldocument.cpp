@@ -84,6 +84,7 @@ private Q_SLOTS:
     void everyUsualEncodingIsRead();
     void aThousandAttributesAreTakenAndOneMoreRefused();
     void halfAMillionElementsAreTakenAndOneMoreRefused();
+    void attributesOfAllElementsAreLimited();
     void attributesAreCountedWhereTheyAreAlone_data();
     void attributesAreCountedWhereTheyAreAlone();
     void defaultAttributesAreRefused();
@@ -350,6 +351,25 @@ void TestXmlDocument::halfAMillionElementsAreTakenAndOneMoreRefused()
              qPrintable(message));
     QVERIFY(!XmlDocument::parse("<a>" + children + "<b/></a>", &tree, &message, &line));
     QVERIFY(!message.isEmpty());
+    QVERIFY(tree.documentElement().isNull());
+}
+
+void TestXmlDocument::attributesOfAllElementsAreLimited()
+{
+    QByteArray element = "<b";
+    for (char letter = 'a'; letter < 'a' + 20; ++letter) {
+        element += QByteArray(" ") + letter + "='1'";
+    }
+    element += "/>";
+    const QByteArray children = element.repeated(10000);
+    QDomDocument tree;
+    QString message;
+    int line = 0;
+    QVERIFY2(XmlDocument::parse("<a>" + children + "</a>", &tree, &message, &line),
+             qPrintable(message));
+    QVERIFY(!XmlDocument::parse("<a>\n" + children + "\n<b c='1'/></a>", &tree, &message, &line));
+    QCOMPARE(message, text("The document has too many attributes."));
+    QCOMPARE(line, 3);
     QVERIFY(tree.documentElement().isNull());
 }
 

@@ -9,6 +9,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+#include <sys/stat.h>
+
 #include <csignal>
 
 using namespace EditorSide;
@@ -138,6 +140,40 @@ private Q_SLOTS:
         program.start({QStringLiteral("--state"), file.fileName()});
         QCOMPARE(program.exitCode(), 1);
         QVERIFY(program.process.readAllStandardError().contains("bad.Q7V: Parse error at line 1"));
+    }
+
+    void aStateThatIsNoFileIsRefusedAndNotWaitedFor()
+    {
+        const QTemporaryDir dir;
+        const QString pipe = dir.filePath(QStringLiteral("pipe"));
+        QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        Program program;
+        program.start({QStringLiteral("--state"), pipe});
+        QCOMPARE(program.exitCode(), 1);
+        QVERIFY(program.process.readAllStandardError().contains("pipe: File could not be opened."));
+    }
+
+    void anyNameIsTakenAsItIs()
+    {
+        QVERIFY(m_server.start(JackServer::ShortPeriod));
+        Program program;
+        program.start({QStringLiteral("--midi"), QStringLiteral("jack"), QStringLiteral("--name"),
+                       QStringLiteral("%3 Corvan TARN/TERN %1 %4")});
+        QCOMPARE(program.line(), QByteArray("ready\n"));
+        JackPeer peer;
+        QVERIFY(peer.open());
+        QCOMPARE(peer.portsOfTheInstrument(JackPortIsOutput).value(4),
+                 QStringLiteral("a2j:%3 Corvan TARN/TERN %1 %4 [20] (capture): Port5"));
+        // Without a place for it there is no dump.
+        QVERIFY(program.sendSignal(SIGUSR1));
+        QByteArray said;
+        QTRY_VERIFY_WITH_TIMEOUT((said += program.process.readAllStandardError()).endsWith('\n'),
+                                 TimeoutMs);
+        QCOMPARE(said,
+                 QByteArray("virtual-instrument: There is nowhere to dump to without --dump.\n"));
+        QVERIFY(program.sendSignal(SIGTERM));
+        QCOMPARE(program.exitCode(), 0);
+        QCOMPARE(program.process.readAllStandardOutput(), QByteArray());
     }
 
     void itsPortsAreNamedAsTheBridgeNamesThem()

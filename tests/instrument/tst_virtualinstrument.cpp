@@ -665,6 +665,22 @@ private Q_SLOTS:
         QCOMPARE(instrument->contents().stored[3].knobs[3], InstrumentKnob());
         QCOMPARE(instrument->contents().stored[3].knobs[4], dumped().knobs[4]);
 
+        // The template and the kind of dump of a block are those of its header.
+        for (const char *rule : {"in:corrupt:block4:stored:4", "in:corrupt:block4:4",
+                                 "in:corrupt:block:stored:#5", "in:drop:block4:stored"}) {
+            instrument = after({rule}, &sent);
+            QCOMPARE(instrument->contents().stored[3].knobs[3], InstrumentKnob());
+            QCOMPARE(instrument->contents().stored[3].knobs[4], dumped().knobs[4]);
+        }
+        for (const char *rule : {"in:corrupt:block4:edit", "in:corrupt:block4:stored:5"}) {
+            instrument = after({rule}, &sent);
+            QCOMPARE(instrument->counters().refusedBlocks, 0);
+            QCOMPARE(instrument->contents().stored[3].knobs[3], dumped().knobs[3]);
+        }
+        // Also if the instrument never hears of the header.
+        instrument = after({"in:drop:header", "in:silent:block4:stored:4"}, &sent);
+        QVERIFY(instrument->isSilent());
+
         instrument = after({"in:drop:header"}, &sent);
         QCOMPARE(sent, QList<QByteArray>());
         QCOMPARE(instrument->contents(), blank);

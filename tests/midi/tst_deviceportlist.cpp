@@ -142,6 +142,23 @@ private Q_SLOTS:
                        {QStringLiteral("Corvan TARN/TERN A"), 6, 10, 5},
                        {QStringLiteral("Corvan TARN/TERN C"), 11, 15, 15}};
     }
+    void joinedNames()
+    {
+        const QString instrument = QStringLiteral("Corvan TARN/TERN");
+        const QStringList in = family(instrument, 1);
+        const QStringList out = family(instrument, 11);
+        QCOMPARE(joinedDeviceNames(in, out), QStringList());
+        QCOMPARE(joinedDeviceNames(in + family(instrument, 6), out), QStringList{instrument});
+        QCOMPARE(
+            joinedDeviceNames(in, out + QStringList{QStringLiteral("9;%1 Port3").arg(instrument)}),
+            QStringList{instrument});
+        const QString second = QStringLiteral("Another Corvan TARN/TERN");
+        QCOMPARE(joinedDeviceNames(in + in + family(second, 6) + family(second, 21), out),
+                 QStringList({second, instrument}));
+        // Of others there may be as many as there are.
+        const QString other = QStringLiteral("Other Synth");
+        QCOMPARE(joinedDeviceNames(in + family(other, 6) + family(other, 21), out), QStringList());
+    }
     void recognition()
     {
         QFETCH(QStringList, inputs);
