@@ -71,9 +71,13 @@ ExitCode FileTarget::write(Console *console, const QString &path, const QByteArr
     if (result != ExitCode::Done) {
         return result;
     }
-    QSaveFile file(placeToWrite(path));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() ||
-        !file.commit()) {
+    const QString place = placeToWrite(path);
+    QSaveFile file(place);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return fail(console, path, NotWritten);
+    }
+    keepOwnerAndMode(place, &file);
+    if (file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
         return fail(console, path, NotWritten);
     }
     return ExitCode::Done;

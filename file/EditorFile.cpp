@@ -97,6 +97,7 @@ bool EditorFile::save(RemoteMemAPI *api, int bank, QFile *file, QString *error)
     if (path.isEmpty() || !target.open(QIODevice::WriteOnly)) {
         return fail(error, ErrorWriting);
     }
+    keepOwnerAndMode(path, &target);
     QTextStream stream(&target);
     document.save(stream, Indent);
     stream.flush();

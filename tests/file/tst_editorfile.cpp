@@ -109,6 +109,7 @@ private Q_SLOTS:
     void savingReplacesALongerFileWhole();
     void permissionsAreKept_data();
     void permissionsAreKept();
+    void theOwnerIsKept();
     void aSymlinkStaysAndItsTargetIsWritten();
     void aChainOfSymlinksStays();
     void aSymlinkToNothingCreatesItsTarget();
@@ -236,7 +237,7 @@ void TestEditorFile::savingReplacesALongerFileWhole()
 void TestEditorFile::permissionsAreKept_data()
 {
     QTest::addColumn<int>("mode");
-    for (const int mode : {0600, 0640, 0644, 0664, 0666, 0755}) {
+    for (const int mode : {0400, 0444, 0600, 0640, 0644, 0664, 0666, 0755}) {
         QTest::addRow("%o", mode) << mode;
     }
 }
@@ -247,10 +248,26 @@ void TestEditorFile::permissionsAreKept()
     const QByteArray name = path("a.Q7V").toLocal8Bit();
     QVERIFY(writeBytes(path("a.Q7V"), "old"));
     QCOMPARE(chmod(name.constData(), static_cast<mode_t>(mode)), 0);
-    QVERIFY(save(path("a.Q7V")));
+    const bool isWritable = access(name.constData(), W_OK) == 0;
+    QCOMPARE(save(path("a.Q7V")), isWritable);
     struct stat status = {};
     QCOMPARE(stat(name.constData(), &status), 0);
     QCOMPARE(static_cast<int>(status.st_mode & 07777), mode);
+}
+
+void TestEditorFile::theOwnerIsKept()
+{
+    const QByteArray name = path("a.Q7V").toLocal8Bit();
+    QVERIFY(writeBytes(path("a.Q7V"), "old"));
+    // Whom the administrator may give it to, and anybody else to oneself.
+    const uid_t owner = geteuid() == 0 ? 12345 : geteuid();
+    const gid_t group = geteuid() == 0 ? 23456 : getegid();
+    QCOMPARE(chown(name.constData(), owner, group), 0);
+    QVERIFY(save(path("a.Q7V")));
+    struct stat status = {};
+    QCOMPARE(stat(name.constData(), &status), 0);
+    QCOMPARE(status.st_uid, owner);
+    QCOMPARE(status.st_gid, group);
 }
 
 void TestEditorFile::aSymlinkStaysAndItsTargetIsWritten()
