@@ -237,8 +237,10 @@ void InstrumentSession::applyReceived()
 
 ExitCode InstrumentSession::send(bool editBufferOnly, int timeoutMs)
 {
-    return perform(QStringLiteral("Sending"),
-                   [&](SyncRun *run) { return run->startSend(editBufferOnly, timeoutMs); });
+    return perform(QStringLiteral("Sending"), [&](SyncRun *run) {
+        m_hasSent = true;
+        return run->startSend(editBufferOnly, timeoutMs);
+    });
 }
 
 ExitCode InstrumentSession::store()

@@ -35,6 +35,8 @@ public:
     // Makes what was received the document.
     void applyReceived();
     ExitCode send(bool editBufferOnly, int timeoutMs);
+    // Whether a send has begun, so that the instrument may hold something of it.
+    bool hasSent() const { return m_hasSent; }
     // Has the instrument store its edit buffer, and follows in the memory.
     ExitCode store();
     // Closes the route, so that everything has gone out. Not done if the service refused anything
@@ -54,4 +56,5 @@ private:
     Interruption *m_interruption;
     QString m_name;
     quint64 m_failuresBefore = 0;
+    bool m_hasSent = false;
 };

@@ -143,7 +143,9 @@ ExitCode runMonitor(const CommandContext &context)
             loop.exec();
         }
     }
-    // The listeners are about to go, and their threads with this.
+    // Nothing was sent that would be worth waiting for, and the listeners are about to go, and
+    // their threads with this.
+    ports->abandonPorts();
     ports->CloseAllOpendPortAndDeleteAllTransporters();
     if (!isOpen) {
         console.error(

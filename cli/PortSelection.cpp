@@ -22,6 +22,8 @@ PortSelection::PortSelection(RemoteMemAPI *api)
     m_isServiceSilent = api->getComuController()->isServiceSilent();
     m_joinedNames = joinedDeviceNames(inputs, outputs);
     m_instruments = recognizeDevicePorts(inputs, outputs);
+    m_instruments.removeIf(
+        [this](const PortInfo &instrument) { return m_joinedNames.contains(instrument.name); });
 }
 
 QString PortSelection::whyNone() const
@@ -39,12 +41,17 @@ QString PortSelection::whatIsJoined() const
     return m_joinedNames.isEmpty()
                ? QString()
                : QStringLiteral("More than one instrument is named %1, and their ports can't be "
-                                "told apart. Connect one of them alone.")
+                                "told apart. Connect one of them alone, or name another.")
                      .arg(quoted(m_joinedNames));
 }
 
 ExitCode PortSelection::select(const QString &name, PortInfo *instrument, QString *error) const
 {
+    // Without a name one of those could be meant, too.
+    if (name.isEmpty() ? !m_joinedNames.isEmpty() : m_joinedNames.contains(name)) {
+        *error = whatIsJoined();
+        return ExitCode::NoInstrument;
+    }
     if (m_instruments.isEmpty()) {
         *error = whyNone();
         return m_isServiceSilent ? ExitCode::BrokenOff : ExitCode::NoInstrument;
@@ -52,10 +59,6 @@ ExitCode PortSelection::select(const QString &name, PortInfo *instrument, QStrin
     QStringList names;
     for (const PortInfo &candidate : m_instruments) {
         if (name.isEmpty() || candidate.name == name) {
-            if (m_joinedNames.contains(candidate.name)) {
-                *error = whatIsJoined();
-                return ExitCode::NoInstrument;
-            }
             *instrument = candidate;
             return ExitCode::Done;
         }

@@ -13,6 +13,7 @@ class PortSelection
 public:
     explicit PortSelection(RemoteMemAPI *api);
 
+    // Without those that can't be told apart.
     const QList<PortInfo> &instruments() const { return m_instruments; }
     // The instrument of that name, or the first for an empty name. If there is none, or more than
     // one of the name, *error says so.

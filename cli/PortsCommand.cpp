@@ -44,7 +44,7 @@ ExitCode runPorts(const CommandContext &context)
                      QString::number(instrument.communicationInPort),
                      QString::number(instrument.communicationOutPort)));
     }
-    if (selection.instruments().isEmpty()) {
+    if (selection.instruments().isEmpty() && selection.whatIsJoined().isEmpty()) {
         context.console.note(selection.whyNone());
     }
     return ExitCode::Done;

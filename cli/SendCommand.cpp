@@ -88,7 +88,7 @@ ExitCode runSend(const CommandContext &context)
     }
     if (result == ExitCode::Done) {
         result = session.send(arguments.editBufferOnly, arguments.timeoutMs);
-        if (result != ExitCode::Done) {
+        if (result != ExitCode::Done && session.hasSent()) {
             tellMixture(context);
         }
     }

@@ -51,14 +51,15 @@ struct OwnPort
 {
     jack_port_t *port = nullptr;
     PortDirection direction = PortDirection::Input;
+    bool isStale = false; // has a connection that can't be cut
 };
 
 // What the server announces, in its order, for the worker.
 struct Announcement
 {
-    enum class Kind { Registered, Unregistered, Disconnected } kind;
+    enum class Kind { Registered, Unregistered, Connected, Disconnected } kind;
     jack_port_t *port;
-    jack_port_t *other; // Disconnected only
+    jack_port_t *other; // Connected and Disconnected only
 };
 
 struct Job
@@ -134,10 +135,11 @@ private:
     void takeAnnouncements(const std::vector<Announcement> &announcements);
     bool registerOwnPort(std::size_t place, PortDirection direction);
     std::optional<std::size_t> freePlace(PortDirection direction);
-    void cutConnections(jack_port_t *own);
+    bool cutConnections(jack_port_t *own, const QByteArrayList &andThose = {});
+    static jack_port_t *otherSide(const Announcement &announcement, const jack_port_t *own);
     bool takeOwnCut(const Announcement &announcement);
     template <typename IsSo>
-    void awaitPeriods(IsSo isSo);
+    bool awaitPeriods(IsSo isSo);
     bool registerPort(const std::shared_ptr<JackPort> &port);
     bool connectPort(JackPort &port, const QByteArray &fullName);
     void losePort(JackPort &port, const QSet<QByteArray> &registered);
@@ -453,10 +455,10 @@ void JackClient::Connection::onPortConnect(jack_port_id_t a, jack_port_id_t b, i
 {
     auto *connection = static_cast<Connection *>(self);
     const CallbackGate::Passage passage(connection->m_eventGate);
-    if (passage && isConnected == 0) {
-        connection->announce({Announcement::Kind::Disconnected,
-                              jack_port_by_id(connection->m_client, a),
-                              jack_port_by_id(connection->m_client, b)});
+    if (passage) {
+        connection->announce(
+            {isConnected != 0 ? Announcement::Kind::Connected : Announcement::Kind::Disconnected,
+             jack_port_by_id(connection->m_client, a), jack_port_by_id(connection->m_client, b)});
     }
 }
 
@@ -466,6 +468,7 @@ void JackClient::Connection::onShutdown(jack_status_t, const char *, void *self)
     const CallbackGate::Passage passage(connection->m_eventGate);
     if (passage) {
         connection->isAlive = false;
+        sem_post(&connection->m_periodDone);
         const MutexLocker lock(connection->m_mutex);
         connection->m_isServerGone = true;
         connection->m_mail.notify_all();
@@ -611,9 +614,11 @@ bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
         return false;
     }
     m_ports.push_back(port);
-    if (registerPort(port) && connectPort(*port, fullName)) {
-        // An answer must not be faster than the way for it.
-        awaitPeriods([&port] { return jack_port_connected(port->graph.port) != 0; });
+    // An answer must not be faster than the way for it.
+    const auto isCarrying = [&] {
+        return jack_port_connected_to(port->graph.port, fullName.constData()) != 0;
+    };
+    if (registerPort(port) && connectPort(*port, fullName) && awaitPeriods(isCarrying)) {
         return true;
     }
     withdraw(port);
@@ -625,7 +630,11 @@ bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
 void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
 {
     if (m_client != nullptr && isAlive && port->graph.port != nullptr) {
-        cutConnections(port->graph.port);
+        // The one of ours, too, if it has no effect yet and isn't among those that have.
+        const QByteArray other =
+            port->graph.other != nullptr ? jack_port_name(port->graph.other) : nullptr;
+        cutConnections(port->graph.port,
+                       other.isEmpty() ? QByteArrayList() : QByteArrayList{other});
     }
     port->setDisconnected();
     port->graph = {};
@@ -634,9 +643,10 @@ void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
     std::erase(m_withdrawn, port.get());
 }
 
-// Returns when isSo says so, which is asked after each period, or after GraphTimeoutMs.
+// Returns when isSo says so, which is asked after each period, or after GraphTimeoutMs; what it
+// said last.
 template <typename IsSo>
-void JackClient::Connection::awaitPeriods(IsSo isSo)
+bool JackClient::Connection::awaitPeriods(IsSo isSo)
 {
     timespec deadline{};
     clock_gettime(CLOCK_MONOTONIC, &deadline);
@@ -645,14 +655,17 @@ void JackClient::Connection::awaitPeriods(IsSo isSo)
     while (sem_trywait(&m_periodDone) == 0) {
     }
     m_isPeriodAwaited = true;
-    for (bool isInTime = true; isInTime && isAlive && !isSo();) {
+    bool isIt = isSo();
+    for (bool isInTime = true; isInTime && isAlive && !isIt;) {
         int result = 0;
         do {
             result = sem_clockwait(&m_periodDone, CLOCK_MONOTONIC, &deadline);
         } while (result != 0 && errno == EINTR);
         isInTime = result == 0;
+        isIt = isSo();
     }
     m_isPeriodAwaited = false;
+    return isIt;
 }
 
 bool JackClient::Connection::registerOwnPort(std::size_t place, PortDirection direction)
@@ -674,9 +687,17 @@ bool JackClient::Connection::registerOwnPort(std::size_t place, PortDirection di
 std::optional<std::size_t> JackClient::Connection::freePlace(PortDirection direction)
 {
     for (std::size_t i = 0; i < MaximumPorts; ++i) {
-        if (m_own[i].port != nullptr && m_own[i].direction == direction && m_slots[i] == nullptr) {
+        if (m_own[i].port == nullptr || m_own[i].direction != direction || m_slots[i] != nullptr) {
+            continue;
+        }
+        // Somebody may have connected it by hand meanwhile. A connection that stays although it was
+        // cut would be heard together with the next one: that port is let lie until it has gone.
+        if (jack_port_connected(m_own[i].port) == 0 ||
+            (!m_own[i].isStale && cutConnections(m_own[i].port))) {
+            m_own[i].isStale = false;
             return i;
         }
+        m_own[i].isStale = true;
     }
     for (std::size_t i = 0; i < MaximumPorts; ++i) {
         if (m_own[i].port == nullptr) {
@@ -686,24 +707,30 @@ std::optional<std::size_t> JackClient::Connection::freePlace(PortDirection direc
     return {};
 }
 
-// Returns when nothing passes over them any more.
-void JackClient::Connection::cutConnections(jack_port_t *own)
+// All that have effect, and those to the ports named. Returns when nothing passes over them any
+// more; false if they can't be cut.
+bool JackClient::Connection::cutConnections(jack_port_t *own, const QByteArrayList &andThose)
 {
-    const char **others = jack_port_get_all_connections(m_client, own);
-    if (others == nullptr) {
-        return;
+    QByteArrayList names = andThose;
+    if (const char **others = jack_port_get_all_connections(m_client, own)) {
+        for (const char **name = others; *name != nullptr; ++name) {
+            if (!names.contains(*name)) {
+                names.append(*name);
+            }
+        }
+        jack_free(others);
     }
     const bool isInput = (jack_port_flags(own) & JackPortIsInput) != 0;
     const char *ownName = jack_port_name(own);
-    for (const char **name = others; *name != nullptr; ++name) {
-        const jack_port_t *other = jack_port_by_name(m_client, *name);
-        if (jack_disconnect(m_client, isInput ? *name : ownName, isInput ? ownName : *name) == 0 &&
-            other != nullptr) {
+    for (const QByteArray &name : std::as_const(names)) {
+        const jack_port_t *other = jack_port_by_name(m_client, name.constData());
+        const char *source = isInput ? name.constData() : ownName;
+        const char *destination = isInput ? ownName : name.constData();
+        if (jack_disconnect(m_client, source, destination) == 0 && other != nullptr) {
             m_ownCuts.emplace_back(own, other);
         }
     }
-    jack_free(others);
-    awaitPeriods([own] { return jack_port_connected(own) == 0; });
+    return awaitPeriods([own] { return jack_port_connected(own) == 0; });
 }
 
 // True for an announcement of what cutConnections() has done.
@@ -720,14 +747,25 @@ bool JackClient::Connection::takeOwnCut(const Announcement &announcement)
     return true;
 }
 
+// The port that the announcement tells of together with ours; null if it is not about ours.
+jack_port_t *JackClient::Connection::otherSide(const Announcement &announcement,
+                                               const jack_port_t *own)
+{
+    if (own == nullptr) {
+        return nullptr;
+    }
+    if (announcement.port == own) {
+        return announcement.other;
+    }
+    return announcement.other == own ? announcement.port : nullptr;
+}
+
 bool JackClient::Connection::registerPort(const std::shared_ptr<JackPort> &port)
 {
     const std::optional<std::size_t> place = freePlace(port->direction());
     if (!place) {
         return false;
     }
-    // Somebody may have connected it by hand while it was not in use.
-    cutConnections(m_own[*place].port);
     const MutexLocker lock(m_slotMutex);
     if (std::find(m_withdrawn.begin(), m_withdrawn.end(), port.get()) != m_withdrawn.end()) {
         return false;
@@ -782,18 +820,29 @@ void JackClient::Connection::takeAnnouncements(const std::vector<Announcement> &
             continue;
         }
         for (const std::shared_ptr<JackPort> &port : m_ports) {
-            const jack_port_t *own = port->graph.port;
-            const jack_port_t *other = port->graph.other;
-            if (other == nullptr) {
-                continue;
-            }
-            const bool isGone =
-                announcement.kind == Announcement::Kind::Unregistered && announcement.port == other;
-            const bool isCut = announcement.kind == Announcement::Kind::Disconnected &&
-                               ((announcement.port == own && announcement.other == other) ||
-                                (announcement.port == other && announcement.other == own));
-            if (isGone || isCut) {
-                losePort(*port, registered);
+            jack_port_t *other = otherSide(announcement, port->graph.port);
+            switch (announcement.kind) {
+            case Announcement::Kind::Unregistered:
+                if (port->graph.other != nullptr && announcement.port == port->graph.other) {
+                    losePort(*port, registered);
+                }
+                break;
+            case Announcement::Kind::Disconnected:
+                if (other != nullptr && other == port->graph.other) {
+                    losePort(*port, registered);
+                }
+                break;
+            case Announcement::Kind::Connected:
+                // By hand, after it was cut by hand.
+                if (other != nullptr && port->graph.other == nullptr &&
+                    bearersOfName(*port).contains(jack_port_name(other))) {
+                    port->graph.other = other;
+                    port->graph.passedOver.clear();
+                    port->setConnected();
+                }
+                break;
+            case Announcement::Kind::Registered:
+                break;
             }
         }
     }

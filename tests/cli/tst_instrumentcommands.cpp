@@ -36,6 +36,7 @@ private Q_SLOTS:
     void backupKeepsWhatWasOverwritten();
     void aBackupOutlivesTheSendThatIsRepeated();
     void instrumentsOfOneNameAreRefused();
+    void aSendThatNeverBeganSaysNothingOfAMixture();
     void aBackupOntoTheSentFileIsRefused();
     void aFailedBackupSendsNothing();
     void verifyNamesWhatDiffers();
@@ -112,7 +113,8 @@ void TestInstrumentCommands::portsTellsTheInstruments()
 {
     QCOMPARE(m_cli->run({"ports", "--json"}), 0);
     const QJsonArray instruments = m_cli->json().value(QStringLiteral("instruments")).toArray();
-    QCOMPARE(m_cli->json().keys(), QStringList{QStringLiteral("instruments")});
+    QVERIFY(m_cli->json().contains(QStringLiteral("instruments")));
+    QVERIFY(m_cli->json().value(QStringLiteral("instruments")).toArray().isEmpty());
     QCOMPARE(instruments.size(), 1);
     const QJsonObject expected{{QStringLiteral("name"), QStringLiteral("Corvan TARN/TERN")},
                                {QStringLiteral("activeSense"), 1},
@@ -265,6 +267,20 @@ void TestInstrumentCommands::instrumentsOfOneNameAreRefused()
     // One of another name can be meant.
     const LoopbackInstrument other(m_memory, QStringLiteral("Corvan TARN/TERN 2"));
     QCOMPARE(m_cli->run({"verify", file(), "--port", "Corvan TARN/TERN 2"}), 1);
+    QCOMPARE(m_cli->run({"verify", file()}), 3);
+    QCOMPARE(m_cli->run({"ports", "--json"}), 0);
+    QCOMPARE(m_cli->json().value(QStringLiteral("instruments")).toArray().size(), 1);
+}
+
+void TestInstrumentCommands::aSendThatNeverBeganSaysNothingOfAMixture()
+{
+    QVERIFY(writeFile(QStringLiteral("a.Q7V"), 4));
+    Interruption interruption;
+    interruption.request();
+    QCOMPARE(m_cli->run({"send", file()}, &interruption), 4);
+    QVERIFY2(m_cli->err.contains("Sending was interrupted"), m_cli->err.constData());
+    QVERIFY2(!m_cli->err.contains("may now hold"), m_cli->err.constData());
+    QVERIFY(held() == m_memory);
 }
 
 void TestInstrumentCommands::aBackupOntoTheSentFileIsRefused()

@@ -115,6 +115,7 @@ private Q_SLOTS:
     void aKilledPeerRefusesAndIsTakenUpWhenItReturns();
     void anotherDeviceOfTheSameNameIsNotTakenForTheReturningOne();
     void aConnectionCutByHandRefusesAndIsNotFoughtOver();
+    void whatIsConnectedByHandToAnIdlePortIsNotHeard();
     void aKilledServerRefusesEverythingAndClosingReturnsAtOnce();
     void aServerThatEndsInOrderIsTakenUpAgainByTheNextList();
     void aServerKilledWhileMessagesPassHarmsNothing();
@@ -478,6 +479,34 @@ void TestJackBinding::aConnectionCutByHandRefusesAndIsNotFoughtOver()
     QVERIFY(stranger.start({QStringLiteral("keys"), QStringLiteral("in|out")}));
     QVERIFY(accessor.getNumPorts(Output) == 3);
     QVERIFY(!sendMessage(output, numberedMessage(1, 10)));
+    // Who cut it may connect it again.
+    QCOMPARE(QProcess::execute(QStringLiteral("jack_connect"), ends), 0);
+    QVERIFY(sendsWithin(output, numberedMessage(2, 10), TakeUpMs));
+    QTRY_COMPARE_WITH_TIMEOUT(peer.received(), 1, ArrivalMs);
+}
+
+void TestJackBinding::whatIsConnectedByHandToAnIdlePortIsNotHeard()
+{
+    Peer peer;
+    QVERIFY(peer.plug(20));
+    Peer stranger;
+    QVERIFY(stranger.start({QStringLiteral("keys"), QStringLiteral("in|out")}));
+    JackMIDIPortAccessor accessor;
+    const int number = portNumber(accessor, Input, PeerName);
+    for (int round = 0; round < 3; ++round) {
+        QCOMPARE(QProcess::execute(
+                     QStringLiteral("jack_connect"),
+                     {QStringLiteral("keys:out"), QStringLiteral("TARN-TERN Remote Editor:in 1")}),
+                 0);
+        Collector collector;
+        JackMIDI input;
+        QVERIFY(input.openInput(number, &collector, 0));
+        stranger.say("burst 1 10");
+        peer.say("burst 2 10");
+        QTRY_COMPARE_WITH_TIMEOUT(collector.count(), 2, ArrivalMs);
+        QTest::qWait(100); // for nothing to come
+        QCOMPARE(collector.count(), 2);
+    }
 }
 
 void TestJackBinding::aKilledServerRefusesEverythingAndClosingReturnsAtOnce()
