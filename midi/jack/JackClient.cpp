@@ -135,7 +135,9 @@ private:
     void takeAnnouncements(const std::vector<Announcement> &announcements);
     bool registerOwnPort(std::size_t place, PortDirection direction);
     std::optional<std::size_t> freePlace(PortDirection direction);
-    bool cutConnections(jack_port_t *own, const QByteArrayList &andThose = {});
+    QByteArrayList connectionsOf(const jack_port_t *own) const;
+    void cut(jack_port_t *own, const QByteArrayList &others);
+    bool cutConnections(jack_port_t *own, const QByteArray &andThat = {});
     static jack_port_t *otherSide(const Announcement &announcement, const jack_port_t *own);
     bool takeOwnCut(const Announcement &announcement);
     template <typename IsSo>
@@ -619,6 +621,10 @@ bool JackClient::Connection::openPort(const std::shared_ptr<JackPort> &port,
         return jack_port_connected_to(port->graph.port, fullName.constData()) != 0;
     };
     if (registerPort(port) && connectPort(*port, fullName) && awaitPeriods(isCarrying)) {
+        // What somebody connected by hand just before has effect by now, too.
+        QByteArrayList others = connectionsOf(port->graph.port);
+        others.removeAll(fullName);
+        cut(port->graph.port, others);
         return true;
     }
     withdraw(port);
@@ -631,10 +637,9 @@ void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
 {
     if (m_client != nullptr && isAlive && port->graph.port != nullptr) {
         // The one of ours, too, if it has no effect yet and isn't among those that have.
-        const QByteArray other =
-            port->graph.other != nullptr ? jack_port_name(port->graph.other) : nullptr;
-        cutConnections(port->graph.port,
-                       other.isEmpty() ? QByteArrayList() : QByteArrayList{other});
+        cutConnections(port->graph.port, port->graph.other != nullptr
+                                             ? QByteArray(jack_port_name(port->graph.other))
+                                             : QByteArray());
     }
     port->setDisconnected();
     port->graph = {};
@@ -707,22 +712,24 @@ std::optional<std::size_t> JackClient::Connection::freePlace(PortDirection direc
     return {};
 }
 
-// All that have effect, and those to the ports named. Returns when nothing passes over them any
-// more; false if they can't be cut.
-bool JackClient::Connection::cutConnections(jack_port_t *own, const QByteArrayList &andThose)
+// The ports that a connection of ours has effect with.
+QByteArrayList JackClient::Connection::connectionsOf(const jack_port_t *own) const
 {
-    QByteArrayList names = andThose;
+    QByteArrayList names;
     if (const char **others = jack_port_get_all_connections(m_client, own)) {
         for (const char **name = others; *name != nullptr; ++name) {
-            if (!names.contains(*name)) {
-                names.append(*name);
-            }
+            names.append(*name);
         }
         jack_free(others);
     }
+    return names;
+}
+
+void JackClient::Connection::cut(jack_port_t *own, const QByteArrayList &others)
+{
     const bool isInput = (jack_port_flags(own) & JackPortIsInput) != 0;
     const char *ownName = jack_port_name(own);
-    for (const QByteArray &name : std::as_const(names)) {
+    for (const QByteArray &name : others) {
         const jack_port_t *other = jack_port_by_name(m_client, name.constData());
         const char *source = isInput ? name.constData() : ownName;
         const char *destination = isInput ? ownName : name.constData();
@@ -730,10 +737,21 @@ bool JackClient::Connection::cutConnections(jack_port_t *own, const QByteArrayLi
             m_ownCuts.emplace_back(own, other);
         }
     }
+}
+
+// All that have effect, and the one to the port named. Returns when nothing passes over them any
+// more; false if they can't be cut.
+bool JackClient::Connection::cutConnections(jack_port_t *own, const QByteArray &andThat)
+{
+    QByteArrayList others = connectionsOf(own);
+    if (!andThat.isEmpty() && !others.contains(andThat)) {
+        others.append(andThat);
+    }
+    cut(own, others);
     return awaitPeriods([own] { return jack_port_connected(own) == 0; });
 }
 
-// True for an announcement of what cutConnections() has done.
+// True for an announcement of what cut() has done.
 bool JackClient::Connection::takeOwnCut(const Announcement &announcement)
 {
     const auto cut = std::find_if(m_ownCuts.cbegin(), m_ownCuts.cend(), [&](const auto &pair) {
