@@ -113,8 +113,7 @@ void TestInstrumentCommands::portsTellsTheInstruments()
 {
     QCOMPARE(m_cli->run({"ports", "--json"}), 0);
     const QJsonArray instruments = m_cli->json().value(QStringLiteral("instruments")).toArray();
-    QVERIFY(m_cli->json().contains(QStringLiteral("instruments")));
-    QVERIFY(m_cli->json().value(QStringLiteral("instruments")).toArray().isEmpty());
+    QCOMPARE(m_cli->json().keys(), QStringList{QStringLiteral("instruments")});
     QCOMPARE(instruments.size(), 1);
     const QJsonObject expected{{QStringLiteral("name"), QStringLiteral("Corvan TARN/TERN")},
                                {QStringLiteral("activeSense"), 1},
@@ -263,7 +262,8 @@ void TestInstrumentCommands::instrumentsOfOneNameAreRefused()
     QVERIFY(held() == m_memory);
     QCOMPARE(m_cli->run({"ports", "--json"}), 0);
     QVERIFY(m_cli->err.contains("More than one instrument"));
-    QCOMPARE(m_cli->json().keys(), QStringList{QStringLiteral("instruments")});
+    QVERIFY(m_cli->json().contains(QStringLiteral("instruments")));
+    QVERIFY(m_cli->json().value(QStringLiteral("instruments")).toArray().isEmpty());
     // One of another name can be meant.
     const LoopbackInstrument other(m_memory, QStringLiteral("Corvan TARN/TERN 2"));
     QCOMPARE(m_cli->run({"verify", file(), "--port", "Corvan TARN/TERN 2"}), 1);
