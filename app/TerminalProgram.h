@@ -19,15 +19,15 @@ inline bool outlivesTerminal()
     return hangUp.sa_handler == SIG_IGN;
 }
 
-// The first argument with bytes that are no text in the terminal's encoding, as far as it can be
-// shown. Its bytes are lost when it becomes a text: a file of another name would be read or
+// What to say of the first argument with bytes that are no text in the terminal's encoding; nothing
+// if all are. Its bytes are lost when it becomes a text: a file of another name would be read or
 // written.
-inline std::optional<QString> undecodableArgument(int argc, char **argv)
+inline std::optional<QString> complaintOfArguments(int argc, char **argv)
 {
     for (int i = 1; i < argc; ++i) {
         const QString text = QString::fromLocal8Bit(argv[i]);
         if (text.toLocal8Bit() != argv[i]) {
-            return text;
+            return QStringLiteral("The argument \"%1\" holds bytes that are no text.").arg(text);
         }
     }
     return {};

@@ -66,9 +66,8 @@ int main(int argc, char **argv)
         return 1;
     }
     Console console(&out, &err, isatty(STDERR_FILENO) == 1, isatty(STDOUT_FILENO) == 1);
-    if (const auto argument = TerminalProgram::undecodableArgument(argc, argv)) {
-        console.error(
-            QStringLiteral("The argument \"%1\" holds bytes that are no text.").arg(*argument));
+    if (const auto complaint = TerminalProgram::complaintOfArguments(argc, argv)) {
+        console.error(*complaint);
         return static_cast<int>(ExitCode::Usage);
     }
     Interruption interruption(takeSignals);

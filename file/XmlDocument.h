@@ -23,7 +23,7 @@ inline constexpr int MaximumElements = 500000;
 // The parser's time grows with the square of an element's attributes. A bank has one.
 inline constexpr int MaximumAttributes = 1000;
 
-// An attribute costs the tree some 550 bytes. An editor file has two.
+// An attribute costs the tree some 550 bytes. An editor file has one.
 inline constexpr int MaximumAttributesInAll = 200000;
 
 // What a document may have. The defaults are an editor file's; documents of another make bring

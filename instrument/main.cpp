@@ -102,9 +102,8 @@ int main(int argc, char **argv)
     const QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("virtual-instrument"));
 
-    if (const auto argument = TerminalProgram::undecodableArgument(argc, argv)) {
-        complain(
-            QStringLiteral("The argument \"%1\" holds bytes that are no text.").arg(*argument));
+    if (const auto complaint = TerminalProgram::complaintOfArguments(argc, argv)) {
+        complain(*complaint);
         return Usage;
     }
     QCommandLineParser parser;

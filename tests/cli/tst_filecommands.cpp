@@ -34,6 +34,7 @@ private Q_SLOTS:
     void refusedValuesNameTheLimit();
     void refusedAddresses_data();
     void refusedAddresses();
+    void aRefusedAddressIsToldWhatMayFollowTheBank();
     void aLostOutputIsNoSuccess();
     void aFullDiskLeavesTheOldFile();
     void exportOntoItsOwnSourceIsRefused();
@@ -258,6 +259,20 @@ void TestFileCommands::refusedAddresses()
     QCOMPARE(m_cli->run({"set", file(), address, "1"}), 1);
     QVERIFY(m_cli->err.contains("is no address: "));
     QCOMPARE(m_cli->read("a.Q7V"_q), before);
+}
+
+void TestFileCommands::aRefusedAddressIsToldWhatMayFollowTheBank()
+{
+    for (const char *address : {"edit", "edit/bankEditFlag"}) {
+        QCOMPARE(m_cli->run({"get", file(), address}), 1);
+        QVERIFY2(m_cli->err.contains("\"edit\" is followed by the number of a template or by "
+                                     "\"currentTemplateNumber\"."),
+                 m_cli->err.constData());
+    }
+    QCOMPARE(m_cli->run({"get", file(), "stored/bankEditFlag"}), 1);
+    QVERIFY(m_cli->err.contains("\"stored\" is followed by the number of a template."));
+    QCOMPARE(m_cli->run({"get", file(), "edit/51/templateName"}), 1);
+    QVERIFY(m_cli->err.contains("templates are numbered from 1 to 50."));
 }
 
 void TestFileCommands::aLostOutputIsNoSuccess()

@@ -142,6 +142,12 @@ private Q_SLOTS:
                        {QStringLiteral("Corvan TARN/TERN A"), 6, 10, 5},
                        {QStringLiteral("Corvan TARN/TERN C"), 11, 15, 15}};
     }
+    void recognition()
+    {
+        QFETCH(QStringList, inputs);
+        QFETCH(QStringList, outputs);
+        QTEST(recognizeDevicePorts(inputs, outputs), "devices");
+    }
     void joinedNames()
     {
         const QStringList in = family(instrument, 1);
@@ -158,12 +164,6 @@ private Q_SLOTS:
         const QString stranger = QStringLiteral("Other Synth");
         QCOMPARE(joinedDeviceNames(in + family(stranger, 6) + family(stranger, 21), out),
                  QStringList());
-    }
-    void recognition()
-    {
-        QFETCH(QStringList, inputs);
-        QFETCH(QStringList, outputs);
-        QTEST(recognizeDevicePorts(inputs, outputs), "devices");
     }
 };
 
