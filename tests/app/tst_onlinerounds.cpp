@@ -3,6 +3,7 @@
 #include "cli/LoopbackInstrument.h"
 #include "protocol/AutoSync.h"
 #include "tests/tools/ResidentMemory.h"
+#include "tests/tools/Sanitizers.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -17,21 +18,11 @@ namespace
 
 const QString DeviceName = QStringLiteral("Corvan TARN/TERN");
 constexpr int WaitMs = 30000;
-#if defined(__has_feature) // clang's way to ask
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define TRN_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define TRN_SANITIZED
-#endif
-#if defined(TRN_SANITIZED)
 // A sanitizer looks for leaks itself, keeps what was freed, and takes its time.
-constexpr bool MeasuresMemory = false;
-constexpr int Rounds = 400;
-#else
-constexpr bool MeasuresMemory = true;
-constexpr int Rounds = 2500; // half a minute; TRN_ONLINE_ROUNDS in the environment for more
-#endif
+constexpr bool IsSanitized = UnderAddressSanitizer || UnderThreadSanitizer;
+constexpr bool MeasuresMemory = !IsSanitized;
+// Half a minute; TRN_ONLINE_ROUNDS in the environment for more.
+constexpr int Rounds = IsSanitized ? 400 : 2500;
 // The first rounds fill what is kept: fonts, pictures, the heap's own spare room.
 constexpr int WarmUpRounds = 300;
 // What the heap may hold on to more at the end than behind the first rounds. One round's panel
