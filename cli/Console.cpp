@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Console.h"
 
-#include "cli/PlainText.h"
+#include "app/PlainText.h"
 
 #include <QtCore/QFileDevice>
 #include <QtCore/QIODevice>

@@ -2,7 +2,7 @@
 #include "cli/FileAddress.h"
 
 #include "app/Constants.h"
-#include "cli/PlainText.h"
+#include "app/PlainText.h"
 #include "file/XmlDocument.h"
 #include "memory/BankData.h"
 #include "memory/ControllerData.h"

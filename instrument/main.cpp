@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/PlainText.h"
 #include "app/TerminalProgram.h"
 #include "instrument/AlsaInstrumentPorts.h"
 #include "instrument/InstrumentFile.h"
@@ -22,10 +23,18 @@ namespace
 
 enum ExitCode { Done = 0, Failed = 1, Usage = 2, NoService = 3 };
 
+// A line of standard error. Of names and files a terminal gets what it only shows.
+void tell(const QString &line)
+{
+    static const bool isTerminal = isatty(STDERR_FILENO) == 1;
+    const QString shown = isTerminal ? PlainText::shown(line) : line;
+    std::fprintf(stderr, "%s\n", shown.toLocal8Bit().constData());
+    std::fflush(stderr);
+}
+
 void complain(const QString &text)
 {
-    std::fprintf(stderr, "virtual-instrument: %s\n", text.toLocal8Bit().constData());
-    std::fflush(stderr);
+    tell(QStringLiteral("virtual-instrument: ") + text);
 }
 
 void say(const char *line)
@@ -169,9 +178,7 @@ int main(int argc, char **argv)
     VirtualInstrument instrument(memory);
     instrument.setFaultPlan(plan);
     if (parser.isSet(log)) {
-        instrument.setLog([](const QString &line) {
-            std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
-        });
+        instrument.setLog(tell);
     }
     InstrumentPorts::Callbacks callbacks;
     callbacks.received = [&](int port, const QByteArray &bytes) {

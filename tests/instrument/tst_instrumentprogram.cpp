@@ -9,9 +9,12 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 using namespace EditorSide;
 
@@ -128,6 +131,27 @@ private Q_SLOTS:
         const QByteArray help = program.process.readAllStandardOutput();
         QVERIFY(help.contains("--state <FILE.Q7V>"));
         QVERIFY(help.contains("comeback=MS"));
+    }
+
+    void aTerminalGetsNoControlsOfAName()
+    {
+        const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+        const int programsEnd = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        QVERIFY(programsEnd >= 0);
+        Program program;
+        program.process.setChildProcessModifier(
+            [programsEnd] { ::dup2(programsEnd, STDERR_FILENO); });
+        program.start({QStringLiteral("--state"), QStringLiteral("no\x1B[2J.Q7V")});
+        QCOMPARE(program.exitCode(), 1);
+        char bytes[512];
+        const auto count = ::read(terminal, bytes, sizeof bytes);
+        ::close(programsEnd);
+        ::close(terminal);
+        QVERIFY(count > 0);
+        const QByteArray shown(bytes, static_cast<qsizetype>(count));
+        QVERIFY2(shown.startsWith("virtual-instrument: no\xEF\xBF\xBD[2J.Q7V: "),
+                 shown.constData());
     }
 
     void aDamagedStateIsAnErrorThatSaysWhere()
