@@ -2,6 +2,7 @@
 #pragma once
 
 #include "instrument/VirtualInstrument.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -101,12 +102,12 @@ public:
     QList<Sent> all() const
     {
         const std::lock_guard locker(m_mutex);
-        return m_sent;
+        return ownCopy(m_sent);
     }
     bool hasSent(const QByteArray &bytes) const
     {
-        const QList<Sent> sent = all();
-        return std::any_of(sent.begin(), sent.end(),
+        const std::lock_guard locker(m_mutex);
+        return std::any_of(m_sent.cbegin(), m_sent.cend(),
                            [&bytes](const Sent &one) { return one.bytes == bytes; });
     }
     // Without sensing; empties the record.

@@ -15,6 +15,7 @@
 #include "midi/MPEvent.h"
 #include "midi/TMIDIReaderRefConInterface.h"
 #include "midi/TMIDITransport.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -63,7 +64,7 @@ public:
     QList<std::pair<int, int>> heard() const
     {
         const MutexLocker lock(m_mutex);
-        return m_heard;
+        return ownCopy(m_heard);
     }
     int others() const
     {

@@ -3,6 +3,7 @@
 
 #include "midi/MPEvent.h"
 #include "midi/loopback/LoopbackHub.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -43,7 +44,7 @@ public:
     QList<Message> messages() const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_messages;
+        return ownCopy(m_messages);
     }
     bool waitCount(qsizetype count)
     {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "midi/TMIDITransport.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -68,7 +69,7 @@ public:
     QList<SeenEvent> events() const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_events;
+        return ownCopy(m_events);
     }
     void clear()
     {

@@ -7,6 +7,7 @@
 #include "midi/TMIDITransport.h"
 #include "midi/TUniMIDIPortAccessor.h"
 #include "midi/TransportHarness.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtTest/QtTest>
 
@@ -59,7 +60,7 @@ public:
     QList<tagMPEVENT> events() const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_events;
+        return ownCopy(m_events);
     }
 
     std::function<void()> onEvent;

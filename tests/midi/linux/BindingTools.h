@@ -5,6 +5,7 @@
 #include "midi/MPEvent.h"
 #include "midi/TMIDIReaderRefConInterface.h"
 #include "midi/TUniMIDIPortAccessor.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -56,7 +57,7 @@ public:
     QList<QByteArray> messages() const
     {
         const MutexLocker lock(m_mutex);
-        return m_messages;
+        return ownCopy(m_messages);
     }
     qsizetype count() const
     {

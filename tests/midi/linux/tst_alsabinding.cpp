@@ -7,6 +7,7 @@
 #include "midi/alsa/AlsaMIDIPortAccessor.h"
 #include "midi/alsa/SequencerRoom.h"
 #include "tests/midi/linux/BindingTools.h"
+#include "tests/tools/OwnCopy.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
@@ -140,7 +141,7 @@ public:
     QList<QByteArray> messages() const
     {
         const MutexLocker lock(m_mutex);
-        return m_messages;
+        return ownCopy(m_messages);
     }
     qsizetype count() const
     {
