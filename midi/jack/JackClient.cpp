@@ -15,6 +15,7 @@
 #include <jack/midiport.h>
 #include <pthread.h>
 #include <semaphore.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -35,6 +36,7 @@ namespace
 
 constexpr const char *ClientName = "TARN-TERN Remote Editor";
 constexpr std::size_t MaximumPorts = 64;
+constexpr int LongestShutdownMs = 1000;
 // What the editor opens: active sensing, and messages in and out.
 constexpr int UsualInputs = 2;
 constexpr int UsualOutputs = 1;
@@ -130,6 +132,7 @@ private:
     void announce(const Announcement &announcement);
 
     void disconnect();
+    void awaitShutdownThread();
     template <typename IsDone>
     bool waitForAnswer(std::unique_lock<Mutex> &lock, IsDone isDone);
     void takeAnnouncements(const std::vector<Announcement> &announcements);
@@ -154,6 +157,7 @@ private:
     std::deque<std::shared_ptr<Job>> m_jobs;
     std::vector<Announcement> m_announcements;
     bool m_isServerGone = false;
+    std::atomic<pid_t> m_shutdownThread{0}; // of the library, told of the server's end last
     bool m_isStopping = false;
     bool m_isFinished = false;
     bool m_isStuck = false; // a caller gave up waiting for the job at work
@@ -469,6 +473,7 @@ void JackClient::Connection::onShutdown(jack_status_t, const char *, void *self)
     auto *connection = static_cast<Connection *>(self);
     const CallbackGate::Passage passage(connection->m_eventGate);
     if (passage) {
+        connection->m_shutdownThread = gettid();
         connection->isAlive = false;
         sem_post(&connection->m_periodDone);
         const MutexLocker lock(connection->m_mutex);
@@ -583,11 +588,26 @@ void JackClient::Connection::disconnect()
         port->setDisconnected();
         port->graph = {};
     }
+    awaitShutdownThread();
     jack_client_close(std::exchange(m_client, nullptr));
     const MutexLocker lock(m_mutex);
     m_announcements.clear();
     m_inputs.reset();
     m_outputs.reset();
+}
+
+// The library's thread that tells of the server's end ends by itself behind the callback. Closing
+// the client cancels it, and if it holds the library's lock just then, closing waits for the lock
+// for ever.
+void JackClient::Connection::awaitShutdownThread()
+{
+    const pid_t thread = m_shutdownThread.exchange(0);
+    for (int waited = 0; thread != 0 && waited < LongestShutdownMs; ++waited) {
+        if (tgkill(getpid(), thread, 0) != 0) {
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 QStringList JackClient::Connection::readPorts(PortDirection direction)
