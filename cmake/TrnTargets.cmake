@@ -28,7 +28,7 @@ if(TRN_COVERAGE)
 endif()
 
 # trn_shared_headers(NAME LIBRARY HEADER...): precompiled headers for targets that use LIBRARY and
-# name them by REUSE_FROM. Parsing Qt's headers is most of a source's compile time otherwise.
+# name them by REUSE_FROM. Parsing Qt's headers is much of a source's compile time otherwise.
 function(trn_shared_headers NAME LIBRARY)
     add_library(${NAME} STATIC ${CMAKE_SOURCE_DIR}/cmake/PrecompiledHeaders.cpp)
     set_target_properties(${NAME} PROPERTIES AUTOMOC OFF)
@@ -42,8 +42,8 @@ endfunction()
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=lld TRN_HAS_LLD)
 
-# What the tests have in common, so that they can share headers. A test is compiled far longer than
-# it runs, most of all by the optimiser, which has nothing to win here: it is for what is tested.
+# What the tests have in common, so that they can share headers. The optimiser would take longer
+# over the tests than it saves: what costs time when they run lies in what they test.
 function(trn_test_options TARGET)
     target_compile_options(${TARGET} PRIVATE -O0)
     if(TRN_HAS_LLD)

@@ -36,13 +36,14 @@ namespace
 
 constexpr const char *ClientName = "TARN-TERN Remote Editor";
 constexpr std::size_t MaximumPorts = 64;
-constexpr int LongestShutdownMs = 1000;
 // What the editor opens: active sensing, and messages in and out.
 constexpr int UsualInputs = 2;
 constexpr int UsualOutputs = 1;
 // How long the server may take until a connection that was made or cut has effect. It is a period,
 // and more under load.
 constexpr int GraphTimeoutMs = 1000;
+// How long the library's thread that told of the server's end may take to end itself.
+constexpr int LongestShutdownMs = 1000;
 
 void saySomethingToNobody(const char *) {}
 
@@ -472,8 +473,9 @@ void JackClient::Connection::onShutdown(jack_status_t, const char *, void *self)
 {
     auto *connection = static_cast<Connection *>(self);
     const CallbackGate::Passage passage(connection->m_eventGate);
+    // A closed gate or not: who closes the client waits for this thread.
+    connection->m_shutdownThread = gettid();
     if (passage) {
-        connection->m_shutdownThread = gettid();
         connection->isAlive = false;
         sem_post(&connection->m_periodDone);
         const MutexLocker lock(connection->m_mutex);
@@ -596,9 +598,10 @@ void JackClient::Connection::disconnect()
     m_outputs.reset();
 }
 
-// The library's thread that tells of the server's end ends by itself behind the callback. Closing
-// the client cancels it, and if it holds the library's lock just then, closing waits for the lock
-// for ever.
+// A server that ends tells so first, and of each client's leaving then. The library's thread that
+// hears it takes a lock of the library for each of them, and ends by itself when nothing more can
+// come. Closing the client cancels it wherever it is and takes that lock itself: in the middle of
+// a client's leaving it would wait for ever.
 void JackClient::Connection::awaitShutdownThread()
 {
     const pid_t thread = m_shutdownThread.exchange(0);

@@ -6,10 +6,12 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -136,18 +138,21 @@ private Q_SLOTS:
     void aTerminalGetsNoControlsOfAName()
     {
         const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        const auto closeTerminal = qScopeGuard([terminal] { ::close(terminal); });
         QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
         const int programsEnd = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        const auto closeProgramsEnd = qScopeGuard([programsEnd] { ::close(programsEnd); });
         QVERIFY(programsEnd >= 0);
         Program program;
         program.process.setChildProcessModifier(
             [programsEnd] { ::dup2(programsEnd, STDERR_FILENO); });
         program.start({QStringLiteral("--state"), QStringLiteral("no\x1B[2J.Q7V")});
         QCOMPARE(program.exitCode(), 1);
+        // What was written arrives a moment later; nothing arrives if nothing was.
+        pollfd arrival{terminal, POLLIN, 0};
+        QCOMPARE(::poll(&arrival, 1, TimeoutMs), 1);
         char bytes[512];
         const auto count = ::read(terminal, bytes, sizeof bytes);
-        ::close(programsEnd);
-        ::close(terminal);
         QVERIFY(count > 0);
         const QByteArray shown(bytes, static_cast<qsizetype>(count));
         QVERIFY2(shown.startsWith("virtual-instrument: no\xEF\xBF\xBD[2J.Q7V: "),

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void whatIsConnectedByHandToAnIdlePortIsNotHeard();
     void aKilledServerRefusesEverythingAndClosingReturnsAtOnce();
     void aServerThatEndsInOrderIsTakenUpAgainByTheNextList();
+    void serversThatComeAndGoLeaveTheClientAnswering();
     void aServerKilledWhileMessagesPassHarmsNothing();
     void aServerThatNoLongerAnswersHoldsUpNobodyForLong();
     void withoutAServerListsAreEmptyAndNothingIsSaid();
@@ -561,6 +562,28 @@ void TestJackBinding::aServerThatEndsInOrderIsTakenUpAgainByTheNextList()
     QVERIFY(!sendMessage(output, numberedMessage(1, 10)));
     QVERIFY(peer->plug(20));
     QVERIFY(sendsWithin(output, numberedMessage(3, 10), TakeUpMs));
+    QCOMPARE(capture.end(), QByteArray());
+}
+
+void TestJackBinding::serversThatComeAndGoLeaveTheClientAnswering()
+{
+    OutputCapture capture;
+    JackMIDIPortAccessor accessor;
+    for (int round = 0; round < 6; ++round) {
+        QVERIFY(m_server.start());
+        Peer peer;
+        QVERIFY(peer.plug(20));
+        Collector collector;
+        JackMIDI input;
+        JackMIDI output;
+        QVERIFY(input.openInput(portNumber(accessor, Input, PeerName), &collector, 0));
+        QVERIFY(output.openOutput(portNumber(accessor, Output, PeerName)));
+        peer.quit();
+        m_server.stop();
+        // The end may be heard of a moment later.
+        QTRY_COMPARE_WITH_TIMEOUT(accessor.getNumPorts(Input), 0, ArrivalMs);
+        QVERIFY(!JackClient::shared()->isUnanswered());
+    }
     QCOMPARE(capture.end(), QByteArray());
 }
 
