@@ -55,7 +55,7 @@ ExitCode FileTarget::checkWritable(Console *console, const QString &path)
     return isPossible ? ExitCode::Done : fail(console, path, NotWritten);
 }
 
-ExitCode FileTarget::checkNew(Console *console, const QString &path)
+ExitCode FileTarget::checkBackup(Console *console, const QString &path)
 {
     if (QFileInfo::exists(path)) {
         return fail(console, path,

@@ -24,7 +24,7 @@ ExitCode save(Workspace *workspace, Console *console, const QString &path);
 // What only the writing itself shows is left to the writing.
 ExitCode checkWritable(Console *console, const QString &path);
 // The same, for a file that must not be there yet.
-ExitCode checkNew(Console *console, const QString &path);
+ExitCode checkBackup(Console *console, const QString &path);
 // Replaces the file in one step; refuses what is there and no plain file.
 ExitCode write(Console *console, const QString &path, const QByteArray &bytes);
 // Refuses what is no plain file, and one of more than limit bytes.

@@ -76,7 +76,7 @@ ExitCode runSend(const CommandContext &context)
             context.console.error(QStringLiteral("The backup would overwrite what is to be sent."));
             return ExitCode::Usage;
         }
-        result = FileTarget::checkNew(&context.console, arguments.backup);
+        result = FileTarget::checkBackup(&context.console, arguments.backup);
         if (result != ExitCode::Done) {
             return result;
         }

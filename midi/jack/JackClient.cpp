@@ -6,6 +6,7 @@
 #include "midi/TMIDITransport.h"
 #include "midi/jack/CallbackGate.h"
 #include "midi/jack/JackPort.h"
+#include "midi/jack/PeriodSignal.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
@@ -14,7 +15,6 @@
 #include <jack/jack.h>
 #include <jack/midiport.h>
 #include <pthread.h>
-#include <semaphore.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,7 +23,6 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <ctime>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -101,8 +100,7 @@ QByteArrayList portNames(jack_client_t *client, PortDirection direction)
 class JackClient::Connection
 {
 public:
-    Connection();
-    ~Connection();
+    Connection() = default;
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
@@ -177,8 +175,7 @@ private:
     Mutex m_slotMutex;
     std::vector<JackPort *> m_withdrawn; // by m_slotMutex; withdrawn before their opening was over
 
-    std::atomic<bool> m_isPeriodAwaited{false};
-    sem_t m_periodDone; // posted at the end of each period while m_isPeriodAwaited
+    PeriodSignal m_period; // for awaitPeriods()
 
     // Worker only.
     jack_client_t *m_client = nullptr;
@@ -314,20 +311,6 @@ bool JackClient::send(JackPort &port, unsigned char status, const unsigned char 
     return isRunning() && port.send(status, data, length);
 }
 
-JackClient::Connection::Connection()
-{
-    for (std::size_t i = 0; i < MaximumPorts; ++i) {
-        m_slots[i] = nullptr;
-        m_ownOutputs[i] = nullptr;
-    }
-    sem_init(&m_periodDone, 0, 0);
-}
-
-JackClient::Connection::~Connection()
-{
-    sem_destroy(&m_periodDone);
-}
-
 // Has the worker do something, and waits. False if it did not come to its end in time; it may then
 // still do so later.
 bool JackClient::Connection::call(std::function<void()> function)
@@ -439,9 +422,7 @@ int JackClient::Connection::onProcess(jack_nframes_t frames, void *self)
                 jack_midi_clear_buffer(jack_port_get_buffer(idle, frames));
             }
         }
-        if (connection->m_isPeriodAwaited) {
-            sem_post(&connection->m_periodDone);
-        }
+        connection->m_period.periodEnded();
     }
     return 0;
 }
@@ -477,7 +458,7 @@ void JackClient::Connection::onShutdown(jack_status_t, const char *, void *self)
     connection->m_shutdownThread = gettid();
     if (passage) {
         connection->isAlive = false;
-        sem_post(&connection->m_periodDone);
+        connection->m_period.release();
         const MutexLocker lock(connection->m_mutex);
         connection->m_isServerGone = true;
         connection->m_mail.notify_all();
@@ -676,23 +657,12 @@ void JackClient::Connection::closePort(const std::shared_ptr<JackPort> &port)
 template <typename IsSo>
 bool JackClient::Connection::awaitPeriods(IsSo isSo)
 {
-    timespec deadline{};
-    clock_gettime(CLOCK_MONOTONIC, &deadline);
-    deadline.tv_sec += GraphTimeoutMs / 1000;
-    // What the waiting before this one has left.
-    while (sem_trywait(&m_periodDone) == 0) {
-    }
-    m_isPeriodAwaited = true;
+    PeriodWatch watch(m_period, GraphTimeoutMs);
     bool isIt = isSo();
     for (bool isInTime = true; isInTime && isAlive && !isIt;) {
-        int result = 0;
-        do {
-            result = sem_clockwait(&m_periodDone, CLOCK_MONOTONIC, &deadline);
-        } while (result != 0 && errno == EINTR);
-        isInTime = result == 0;
+        isInTime = watch.awaitNext();
         isIt = isSo();
     }
-    m_isPeriodAwaited = false;
     return isIt;
 }
 

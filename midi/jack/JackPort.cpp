@@ -5,8 +5,6 @@
 
 #include <jack/midiport.h>
 
-#include <cerrno>
-#include <ctime>
 #include <utility>
 
 namespace
@@ -29,12 +27,6 @@ JackPort::JackPort(PortDirection direction, JackPortName name, TMIDITransport *t
     if (direction == PortDirection::Input) {
         m_message = std::make_unique<unsigned char[]>(RingBytes);
     }
-    sem_init(&m_periodDone, 0, 0);
-}
-
-JackPort::~JackPort()
-{
-    sem_destroy(&m_periodDone);
 }
 
 bool JackPort::send(unsigned char status, const unsigned char *data, std::size_t length)
@@ -52,24 +44,16 @@ bool JackPort::send(unsigned char status, const unsigned char *data, std::size_t
 
 void JackPort::drain()
 {
-    timespec deadline{};
-    clock_gettime(CLOCK_MONOTONIC, &deadline);
-    deadline.tv_sec += DrainTimeoutMs / 1000;
-    m_isDraining = true;
+    PeriodWatch watch(m_period, DrainTimeoutMs);
     // The period that takes the last message is over for the other side when the second one after
     // it begins.
     for (int periodsAfter = 0; periodsAfter < 2 && isConnected();) {
         const bool wasEmpty = m_ring.isEmpty();
-        int result = 0;
-        do {
-            result = sem_clockwait(&m_periodDone, CLOCK_MONOTONIC, &deadline);
-        } while (result != 0 && errno == EINTR);
-        if (result != 0) {
+        if (!watch.awaitNext()) {
             break;
         }
         periodsAfter += wasEmpty ? 1 : 0;
     }
-    m_isDraining = false;
 }
 
 void JackPort::process(jack_nframes_t frames)
@@ -78,9 +62,7 @@ void JackPort::process(jack_nframes_t frames)
     if (buffer != nullptr) {
         m_direction == PortDirection::Input ? receivePeriod(buffer) : sendPeriod(buffer);
     }
-    if (m_isDraining) {
-        sem_post(&m_periodDone);
-    }
+    m_period.periodEnded();
 }
 
 void JackPort::receivePeriod(void *buffer)

@@ -3,13 +3,13 @@
 
 #include "midi/jack/JackPortName.h"
 #include "midi/jack/MessageRing.h"
+#include "midi/jack/PeriodSignal.h"
 #include "midi/linux/PortDirection.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QSet>
 
 #include <jack/jack.h>
-#include <semaphore.h>
 
 #include <atomic>
 #include <cstddef>
@@ -27,7 +27,6 @@ class JackPort
 {
 public:
     JackPort(PortDirection direction, JackPortName boundTo, TMIDITransport *transport);
-    ~JackPort();
     JackPort(const JackPort &) = delete;
     JackPort &operator=(const JackPort &) = delete;
 
@@ -78,6 +77,5 @@ private:
     std::atomic<std::uint32_t> m_connection{0};   // 0: none
     std::uint32_t m_lastConnection = 0;           // worker only
     std::atomic<std::size_t> m_largestMessage{0}; // of an empty period; 0: not known yet
-    std::atomic<bool> m_isDraining{false};
-    sem_t m_periodDone; // posted at the end of each period while m_isDraining
+    PeriodSignal m_period;                        // for drain()
 };
