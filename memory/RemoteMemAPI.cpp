@@ -517,7 +517,21 @@ bool RemoteMemAPI::isFileOpenRequestExist() const
 void RemoteMemAPI::revokeReceivedBulk()
 {
     const MutexLocker lock(bulkReceiveMutex);
-    bulkReceiveEnable = false;
+    if (receiveRunning) {
+        bulkReceiveRevocation = true;
+    } else {
+        bulkReceiveEnable = false;
+    }
+}
+
+void RemoteMemAPI::setReceiveRunning(bool isRunning)
+{
+    const MutexLocker lock(bulkReceiveMutex);
+    if (bulkReceiveRevocation) {
+        bulkReceiveEnable = false;
+    }
+    receiveRunning = isRunning;
+    bulkReceiveRevocation = false;
 }
 
 bool RemoteMemAPI::takeSentTemplateNumber(int number)

@@ -145,6 +145,9 @@ public:
     void unlockSendParamChange() { sendParamChangeLocked = false; }
     bool getBulkRecieveEnableFlag() const { return bulkReceiveEnable; } // historical spelling
     void revokeReceivedBulk();
+    // While a receive runs, its last dumps may still be on their way when a message that empties
+    // the queue has revoked them: what is revoked until the end is so from the end on.
+    void setReceiveRunning(bool isRunning);
     void setWaitBulkTransmitDone(bool wait) { waitBulkTransmitDone = wait; }
     bool isWaitBulkTransmitDone() const { return waitBulkTransmitDone; }
     void setWaitBulkReceiveDone(bool wait) { waitBulkReceiveDone = wait; }
@@ -230,10 +233,12 @@ private:
     const std::array<unsigned char, 4> deviceBytes{0x7F, 0x14, 0x7F, 0x15};
     Mutex bulkReceiveMutex;
     std::atomic<bool> bulkReceiveEnable{true};
-    bool watchPortActivate = true;    // guarded by memoryMutex
-    bool needToWaitAutoSync = false;  // guarded by memoryMutex
-    bool fileOpenRequest = false;     // guarded by memoryMutex
-    bool currentTemplateHold = false; // guarded by memoryMutex
+    bool receiveRunning = false;        // by bulkReceiveMutex
+    bool bulkReceiveRevocation = false; // the same; put off to the end of the run
+    bool watchPortActivate = true;      // guarded by memoryMutex
+    bool needToWaitAutoSync = false;    // guarded by memoryMutex
+    bool fileOpenRequest = false;       // guarded by memoryMutex
+    bool currentTemplateHold = false;   // guarded by memoryMutex
     std::atomic<bool> sendParamChangeLocked{false};
     std::atomic<bool> waitBulkTransmitDone{false};
     std::atomic<bool> waitBulkReceiveDone{false};

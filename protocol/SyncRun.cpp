@@ -49,6 +49,7 @@ bool SyncRun::startReceive(bool editBufferToo, int timeoutMs)
     start(Kind::Receive, ParamAddress::TemplateCount * (editBufferToo ? 2 : 1),
           timeoutMs > 0 ? timeoutMs : timings().receiveRunTimeoutMs);
     m_api->setWaitBulkReceiveDone(true);
+    m_api->setReceiveRunning(true);
     connect(
         m_api, &RemoteMemAPI::completeBulkReceive, m_connections.get(),
         [this] { receiveCompleted(); }, Qt::QueuedConnection);
@@ -103,6 +104,7 @@ void SyncRun::finish()
     m_timeoutTimer.stop();
     m_progressTimer.stop();
     m_lastDumpsTimer.stop();
+    m_api->setReceiveRunning(false);
     m_api->allowToRaiseFileEditFlag();
 }
 
@@ -112,6 +114,7 @@ void SyncRun::cancel()
         return;
     }
     if (m_kind == Kind::Receive) {
+        m_api->setReceiveRunning(false);
         m_api->revokeReceivedBulk();
     }
     // The queue first: an answer that comes now would release the next group and count it.

@@ -43,6 +43,7 @@ private Q_SLOTS:
     void silenceTimesOutAndARetryStartsOver_data();
     void silenceTimesOutAndARetryStartsOver();
     void aCompletionAfterTheFailureDoesNothing();
+    void aFooterThatComesTwiceDoesNotEndAReceiveEarly_data();
     void aFooterThatComesTwiceDoesNotEndAReceiveEarly();
     void aLostLastHeaderEndsAReceiveAllTheSame();
     void whatAnEarlierDumpLeftUnansweredIsNotCounted();
@@ -312,15 +313,25 @@ void TestSyncRun::aCompletionAfterTheFailureDoesNothing()
     QVERIFY(!run.isRunning());
 }
 
+void TestSyncRun::aFooterThatComesTwiceDoesNotEndAReceiveEarly_data()
+{
+    QTest::addColumn<bool>("editBufferToo");
+    QTest::newRow("both banks") << true;
+    QTest::newRow("the stored bank alone, whose last request empties the queue") << false;
+}
+
 void TestSyncRun::aFooterThatComesTwiceDoesNotEndAReceiveEarly()
 {
+    QFETCH(bool, editBufferToo);
     QVERIFY(m_loopback->setFault(QStringLiteral("duplicate:footer:stored:7")));
     SyncRun run(m_api.get());
     Spies spies(run);
-    QVERIFY(run.startReceive(true));
+    QVERIFY(run.startReceive(editBufferToo));
     QTRY_COMPARE_WITH_TIMEOUT(spies.succeeded.count(), 1, WaitMs);
     QVERIFY(m_api->bulkReceipt().incomplete(BulkReceipt::Stored).isEmpty());
-    QVERIFY(m_api->bulkReceipt().incomplete(BulkReceipt::EditBuffer).isEmpty());
+    QCOMPARE(m_api->bulkReceipt().incomplete(BulkReceipt::EditBuffer).isEmpty(), editBufferToo);
+    // Revoked by then, as after each receive of that bank alone.
+    QCOMPARE(m_api->getBulkRecieveEnableFlag(), editBufferToo);
 }
 
 void TestSyncRun::aLostLastHeaderEndsAReceiveAllTheSame()
