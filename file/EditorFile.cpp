@@ -92,16 +92,22 @@ bool EditorFile::save(RemoteMemAPI *api, int bank, QFile *file, QString *error)
     root.setAttribute(EditorData::AttributeVersion, EditorData::FileVersion);
     document.appendChild(root);
 
+    QByteArray content;
+    {
+        QTextStream stream(&content);
+        document.save(stream, Indent);
+    }
+    // What would be refused when it is opened again replaces nothing.
+    if (content.size() > XmlDocument::MaximumBytes) {
+        return fail(error, ErrorWriting);
+    }
     const QString path = placeToWrite(file->fileName());
     QSaveFile target(path);
     if (path.isEmpty() || !target.open(QIODevice::WriteOnly)) {
         return fail(error, ErrorWriting);
     }
     keepOwnerAndMode(path, &target);
-    QTextStream stream(&target);
-    document.save(stream, Indent);
-    stream.flush();
-    if (stream.status() != QTextStream::Ok || !target.commit()) {
+    if (target.write(content) != content.size() || !target.commit()) {
         return fail(error, ErrorWriting);
     }
     return true;

@@ -114,6 +114,7 @@ private Q_SLOTS:
     void aChainOfSymlinksStays();
     void aSymlinkToNothingCreatesItsTarget();
     void aRingOfSymlinksIsRefused();
+    void whatCouldNotBeOpenedAgainReplacesNothing();
     void aPipeIsRefusedAndStaysAPipe();
     void aFolderIsRefused();
     void aVanishedFolderIsReported();
@@ -310,6 +311,20 @@ void TestEditorFile::aRingOfSymlinksIsRefused()
     QVERIFY(!save(path("a.Q7V"), &error));
     QCOMPARE(error, NotWritten);
     QVERIFY(QFileInfo(path("a.Q7V")).isSymLink());
+}
+
+void TestEditorFile::whatCouldNotBeOpenedAgainReplacesNothing()
+{
+    QVERIFY(save(path("good.Q7V")));
+    const QByteArray before = bytesOf(path("good.Q7V"));
+    // Less than what may be opened, and more in the file, where it takes two bytes each.
+    QVERIFY(m_api->setParam(ParamAddress(1, 3, ParamAddress::TemplateName, -1),
+                            QString(9 * 1024 * 1024, QChar(0xE9))));
+    QString error;
+    QVERIFY(!save(path("good.Q7V"), &error));
+    QCOMPARE(error, NotWritten);
+    QVERIFY(bytesOf(path("good.Q7V")) == before);
+    QCOMPARE(filesInFolder(), QStringList{latin("good.Q7V")});
 }
 
 void TestEditorFile::aPipeIsRefusedAndStaysAPipe()
