@@ -19,7 +19,7 @@ const ParamAddress FileNameAddress(ParamAddress::FileName, -1, -1, -1);
 
 Workspace::Workspace()
 {
-    // The connection is not watched: a command looks for its instrument once.
+    // A command looks for its instrument once, and takes no note of what is plugged in later.
     m_api.setWatchPortActivate(false);
     while (m_api.getQuantityOfBank() < Bank::Count) {
         m_api.createBank();

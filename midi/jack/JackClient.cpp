@@ -586,10 +586,10 @@ void JackClient::Connection::disconnect()
 void JackClient::Connection::awaitShutdownThread()
 {
     const pid_t thread = m_shutdownThread.exchange(0);
-    for (int waited = 0; thread != 0 && waited < LongestShutdownMs; ++waited) {
-        if (tgkill(getpid(), thread, 0) != 0) {
-            break;
-        }
+    const auto limit =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(LongestShutdownMs);
+    while (thread != 0 && tgkill(getpid(), thread, 0) == 0 &&
+           std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }

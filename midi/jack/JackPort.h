@@ -42,7 +42,12 @@ public:
     // A connection's number marks what is sent over it: what a broken one left behind is not sent
     // over the next.
     void setConnected();
-    void setDisconnected() { m_connection = 0; }
+    // Nobody is waited for any more, either.
+    void setDisconnected()
+    {
+        m_connection = 0;
+        m_period.release();
+    }
     bool isConnected() const { return m_connection != 0; }
 
     // Worker only; the first is published to the process thread with the port itself.

@@ -24,7 +24,7 @@ public:
             sem_post(&m_ended);
         }
     }
-    // There will be no more periods: whoever waits goes on. Thread: any.
+    // No period is worth waiting for any more: whoever waits goes on. Thread: any.
     void release() { sem_post(&m_ended); }
 
 private:
