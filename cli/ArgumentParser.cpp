@@ -71,7 +71,8 @@ const QHash<QString, QString> &operandMeanings()
         {QStringLiteral("ADDRESS"), QStringLiteral("As edit/13/knobA1/ccNumber, "
                                                    "stored/1/templateName or "
                                                    "edit/currentTemplateNumber.")},
-        {QStringLiteral("VALUE"), QStringLiteral("The new value, a number or a text.")},
+        {QStringLiteral("VALUE"),
+         QStringLiteral("The new value, a number or a text, which may begin with a dash.")},
         {QStringLiteral("IN.syx"), QStringLiteral("A file of dumps, which is read.")},
         {QStringLiteral("OUT.syx"), QStringLiteral("A file of dumps, which is written.")},
     };
