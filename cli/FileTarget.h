@@ -23,7 +23,7 @@ ExitCode save(Workspace *workspace, Console *console, const QString &path);
 // Whether a file of that name could be written, told before an instrument is bothered for it.
 // What only the writing itself shows is left to the writing.
 ExitCode checkWritable(Console *console, const QString &path);
-// The same, for a file that must not be there yet.
+// The same for a backup, which must not be there yet.
 ExitCode checkBackup(Console *console, const QString &path);
 // Replaces the file in one step; refuses what is there and no plain file.
 ExitCode write(Console *console, const QString &path, const QByteArray &bytes);

@@ -49,8 +49,8 @@ public:
     // is called on the process thread until close() returns.
     std::shared_ptr<JackPort> openInput(int number, TMIDITransport *transport);
     std::shared_ptr<JackPort> openOutput(int number);
-    // What was sent goes out first; if the server is dead, nothing is waited for but the library,
-    // which needs a few milliseconds to take note of it, and a second at most.
+    // What was sent goes out first; if the server is dead, nothing is waited for but the library's
+    // taking note of it, for a second at most.
     void close(const std::shared_ptr<JackPort> &port);
     // From now on nothing is waited for until it is out, and all that is asked of the server shares
     // TMIDITransport::AbandonLimitMs, the client's own end included; until the ports are listed or
